@@ -47,12 +47,12 @@ int FrameToPixel(int frame, int frameCount, int barX, int barWidth)
 
 int PixelToFrame(int x, int frameCount, int barX, int barAreaWidth)
 {
-    const int dx = WrappingDifference(x, barX);
+    const int64_t dx = static_cast<int64_t>(x) - barX;
     if (dx < 1)
         return 1;
     if (dx >= barAreaWidth)
         return frameCount;
-    const int product = WrappingProduct(WrappingDifference(frameCount, 1), dx);
+    const int product = WrappingProduct(WrappingDifference(frameCount, 1), static_cast<int>(dx));
     return Truncated(std::round(static_cast<double>(product) / barAreaWidth)) + 1;
 }
 
@@ -76,12 +76,13 @@ int RangeFrameToPixel(int frame, int rangeStart, int rangeEnd, int barX, int bar
 
 int RangePixelToFrame(int x, int rangeStart, int rangeEnd, int barX, int barAreaWidth, int scaleWidth)
 {
-    const int dx = WrappingDifference(x, barX);
+    const int64_t dx = static_cast<int64_t>(x) - barX;
     if (dx <= 0)
         return rangeStart;
     if (dx >= barAreaWidth)
         return rangeEnd;
-    const auto product = static_cast<float>(WrappingProduct(WrappingDifference(rangeEnd, rangeStart), dx));
+    const int length = WrappingDifference(rangeEnd, rangeStart);
+    const auto product = static_cast<float>(WrappingProduct(length, static_cast<int>(dx)));
     const float frames = std::round(product / static_cast<float>(scaleWidth));
     return WrappingSum(rangeStart, Truncated(static_cast<double>(frames)));
 }
