@@ -6,14 +6,19 @@
 #include <mutex>
 #include <vector>
 
+#include <sys/mman.h>
+
 namespace
 {
 
 // Room that swscale may write behind a row's end, and its alignment.
 constexpr size_t Alignment = 64;
 constexpr size_t Slack = 256;
+// Page size that a large picture asks the system for: the first touch of 8 MB in small pages costs more than
+// decoding a frame.
+constexpr size_t HugePage = size_t(2) << 20;
 // Memory that waits for use is bounded in number and in bytes.
-constexpr size_t MaximumSpares = 8;
+constexpr size_t MaximumSpares = 64;
 constexpr size_t MaximumSpareBytes = size_t(256) << 20;
 
 struct Buffer
@@ -21,6 +26,18 @@ struct Buffer
     void* data;
     size_t bytes;
 };
+
+void* Allocate(size_t bytes)
+{
+    if (bytes < 2 * HugePage)
+        return std::aligned_alloc(Alignment, bytes);
+    void* data = nullptr;
+    if (posix_memalign(&data, HugePage, bytes) != 0)
+        return nullptr;
+    // A wish: where the system has no such pages, small ones serve.
+    madvise(data, bytes, MADV_HUGEPAGE);
+    return data;
+}
 
 class Spares
 {
@@ -92,7 +109,7 @@ QImage PicturePool::Take(const QSize& size, QImage::Format format)
     const size_t bytes = (pixels + Slack + Alignment - 1) / Alignment * Alignment;
     void* data = TheSpares().Take(bytes);
     if (data == nullptr)
-        data = std::aligned_alloc(Alignment, bytes);
+        data = Allocate(bytes);
     if (data == nullptr)
         return {};
     auto* const buffer = new Buffer{data, bytes};

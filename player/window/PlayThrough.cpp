@@ -35,6 +35,8 @@ class PlayThroughRun
 public:
     explicit PlayThroughRun(const QSize& size)
     {
+        // No frame is shown twice, so none is kept for long.
+        mLoader.SetCacheSize(Settings::MINIMUM_CACHE_SIZE);
         mViewer.resize(size);
         mViewer.show();
         mOptions.pictureFormat =
@@ -87,10 +89,12 @@ private:
         mViewer.SetImage(0, result.image, false);
         mViewer.findChild<QWidget*>(QString(), Qt::FindDirectChildrenOnly)->repaint();
         ++mShown;
-        if (mShown < mFrameCount)
-            RequestNext();
-        else
+        if (mShown == mFrameCount)
             Finish();
+        else
+            // Through the event loop: a frame that is there already arrives within the request.
+            QMetaObject::invokeMethod(
+                &mViewer, [this] { RequestNext(); }, Qt::QueuedConnection);
     }
 
     void Finish()

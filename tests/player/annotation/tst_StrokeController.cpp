@@ -5,7 +5,6 @@
 #include "support/TestRegistry.h"
 #include "viewers/ViewerWidget.h"
 
-#include <QSignalSpy>
 #include <QUndoStack>
 #include <QtTest>
 
@@ -97,16 +96,19 @@ void tst_StrokeController::AStrokeHoldsEveryPositionInDrawSpace()
 
 void tst_StrokeController::AClickLeavesADot()
 {
+    Settings::drawWidth = 0.02f;
     mStrokes->Press(Global({0.5, 0.5}));
     mStrokes->Release(Global({0.5, 0.5}));
     QCOMPARE(mStore->Drawings(12).at(0).points.size(), 2);
     mViewer->RefreshAll();
-    QVERIFY(QColor(Grab().pixel(200, 150)).red() > 150);
+    QCOMPARE(Grab().pixel(200, 150), qRgb(255, 0, 0));
 }
 
 void tst_StrokeController::UndoAndRedoRestoreTheDrawings()
 {
-    QSignalSpy changes(mStrokes.get(), SIGNAL(DrawingsChanged(AnnotationStore*, int)));
+    QList<int> changes;
+    connect(mStrokes.get(), &StrokeController::DrawingsChanged,
+            [&](AnnotationStore*, int frame) { changes << frame; });
     for (int stroke = 0; stroke < 2; ++stroke)
     {
         mStrokes->Press(Global({0.2, 0.2}));
@@ -120,7 +122,7 @@ void tst_StrokeController::UndoAndRedoRestoreTheDrawings()
     mUndoStack.redo();
     QCOMPARE(mStore->Drawings(12).size(), 1);
     QCOMPARE(changes.size(), 5);
-    QCOMPARE(changes.last().at(1).toInt(), 12);
+    QCOMPARE(changes.last(), 12);
 }
 
 void tst_StrokeController::CancelTakesTheStrokeBack()
