@@ -11,8 +11,7 @@ TimeBookmark::~TimeBookmark() = default;
 
 RangeBookmark::RangeBookmark() = default;
 RangeBookmark::RangeBookmark(int64_t rangeStartTime, int64_t rangeEndTime)
-    : startTime(rangeStartTime)
-    , endTime(rangeEndTime)
+    : startTime(rangeStartTime), endTime(rangeEndTime)
 {
 }
 RangeBookmark::RangeBookmark(const RangeBookmark& other) = default;
@@ -22,7 +21,7 @@ RangeBookmark::~RangeBookmark() = default;
 namespace
 {
 
-template <typename Bookmark, typename Matches>
+template<typename Bookmark, typename Matches>
 bool RemoveMatching(QList<Bookmark>& bookmarks, Matches matches)
 {
     const auto kept = std::remove_if(bookmarks.begin(), bookmarks.end(), matches);

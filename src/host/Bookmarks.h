@@ -62,8 +62,8 @@ public:
 
     /// Appends @p bookmark. Ranges may overlap.
     void AddRangeBookmark(const RangeBookmark& bookmark);
-    /// Removes every range bookmark from exactly @p startTime to @p endTime (microseconds). Returns whether there
-    /// was one.
+    /// Removes every range bookmark from exactly @p startTime to @p endTime (microseconds). Returns whether
+    /// there was one.
     bool RemoveRangeBookmark(int64_t startTime, int64_t endTime);
 
     /// Removes every bookmark of both kinds.

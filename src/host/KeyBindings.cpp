@@ -121,8 +121,9 @@ bool KeyBindings::ReadUserKeyBindings()
     }
     if (!brokenLines.isEmpty())
     {
-        UserFile::SetAside(file.fileName(), QStringLiteral("there are no key bindings in %1")
-                                                .arg(brokenLines.join(QLatin1String(", "))));
+        UserFile::SetAside(
+            file.fileName(),
+            QStringLiteral("there are no key bindings in %1").arg(brokenLines.join(QLatin1String(", "))));
         return false;
     }
     mUnknownLines = unknownLines;
@@ -143,7 +144,8 @@ void KeyBindings::WriteUserKeyBindings()
         if (sequence->permanent || current == RealSequences(sequence->defaultSequences))
             continue;
         for (const QKeySequence& keys : current)
-            text += QStringLiteral("%1 = %2\n").arg(sequence->name, keys.toString(QKeySequence::PortableText));
+            text +=
+                QStringLiteral("%1 = %2\n").arg(sequence->name, keys.toString(QKeySequence::PortableText));
         if (current.isEmpty())
             text += QStringLiteral("%1 =\n").arg(sequence->name);
     }

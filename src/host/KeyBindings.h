@@ -30,8 +30,8 @@ struct KeySequence
 
 /// The table of commands with their shortcuts.
 ///
-/// The user's bindings live in a text file, one line a shortcut, "command = keys", with the keys in Qt's portable
-/// form; "command =" leaves a command without any. Lines that begin with "#" are remarks.
+/// The user's bindings live in a text file, one line a shortcut, "command = keys", with the keys in Qt's
+/// portable form; "command =" leaves a command without any. Lines that begin with "#" are remarks.
 class TORVALENCOMMON_EXPORT KeyBindings
 {
 public:
@@ -46,17 +46,17 @@ public:
     const QList<KeySequence*>& GetKeySequences();
 
     /// Takes the current shortcuts of each record of @p sequences into the record of the same identifier, in
-    /// place; identifiers that the table doesn't know are left out, and so is what @p sequences doesn't name. The
-    /// records of @p sequences stay the caller's.
+    /// place; identifiers that the table doesn't know are left out, and so is what @p sequences doesn't name.
+    /// The records of @p sequences stay the caller's.
     void UpdateUserSequences(const QList<KeySequence*>& sequences);
 
     /// Reads the user's file over the current shortcuts. A missing file changes nothing. If any line can't be
-    /// read, the whole file is set aside as a backup, an error names each such line, and nothing changes. Lines
-    /// of commands that the table doesn't know are kept for the next write. Returns whether the file was absent
-    /// or wholly read.
+    /// read, the whole file is set aside as a backup, an error names each such line, and nothing changes.
+    /// Lines of commands that the table doesn't know are kept for the next write. Returns whether the file
+    /// was absent or wholly read.
     bool ReadUserKeyBindings();
-    /// Writes the user's file, atomically: every command that is not permanent and whose shortcuts differ from the
-    /// default ones. A failure is logged as an error that names the file.
+    /// Writes the user's file, atomically: every command that is not permanent and whose shortcuts differ
+    /// from the default ones. A failure is logged as an error that names the file.
     void WriteUserKeyBindings();
 
     /// Path of the user's file; in the user's configuration directory unless SetUserKeyBindingsPath() said

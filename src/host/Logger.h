@@ -8,8 +8,8 @@
 
 /// The log: four levels, each with a call and a signal.
 ///
-/// Every call may be made from any thread and emits its signal on the caller's thread; a receiver that lives on
-/// another thread gets it through its event loop, in the caller's order.
+/// Every call may be made from any thread and emits its signal on the caller's thread; a receiver that lives
+/// on another thread gets it through its event loop, in the caller's order.
 class TORVALENCOMMON_EXPORT Logger : public QObject
 {
     Q_OBJECT

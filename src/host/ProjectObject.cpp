@@ -9,12 +9,11 @@ const int ProjectObjectMetaType =
 
 } // namespace
 
-ProjectObject::ProjectObject(const QUuid& id, const QUuid& parentID) : mID(id), mParentID(parentID)
-{
-    Q_UNUSED(ProjectObjectMetaType)
-}
+ProjectObject::ProjectObject(const QUuid& id, const QUuid& parentID)
+    : mID(id)
+    , mParentID(parentID){Q_UNUSED(ProjectObjectMetaType)}
 
-ProjectObject::~ProjectObject() = default;
+      ProjectObject::~ProjectObject() = default;
 
 const QUuid& ProjectObject::GetID() const
 {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "host/Settings.h"
 
-#include "host/UserFile.h"
 #include "host/Logger.h"
+#include "host/UserFile.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -120,12 +120,11 @@ QString FileText(const QVariant& value)
 
 QString WrongKind(const QVariant& value, const char* expected)
 {
-    return QStringLiteral("\"%1\" is no %2; it is left out")
-        .arg(FileText(value), QLatin1String(expected));
+    return QStringLiteral("\"%1\" is no %2; it is left out").arg(FileText(value), QLatin1String(expected));
 }
 
 /// Reads a number within @p minimum and @p maximum into @p setting.
-template <typename Number>
+template<typename Number>
 QString TakeNumber(const QVariant& value, Number minimum, Number maximum, Number* setting)
 {
     bool isNumber = false;
@@ -137,22 +136,27 @@ QString TakeNumber(const QVariant& value, Number minimum, Number maximum, Number
     *setting = static_cast<Number>(
         std::min(std::max(number, static_cast<double>(minimum)), static_cast<double>(maximum)));
     if (number < static_cast<double>(minimum) || number > static_cast<double>(maximum))
-        return QStringLiteral("%1 lies outside %2 to %3; %4 is used").arg(number).arg(minimum).arg(maximum).arg(*setting);
+        return QStringLiteral("%1 lies outside %2 to %3; %4 is used")
+            .arg(number)
+            .arg(minimum)
+            .arg(maximum)
+            .arg(*setting);
     return {};
 }
 
-template <typename Number>
+template<typename Number>
 SettingRow NumberRow(const char* key, Number* setting, Number minimum, Number maximum)
 {
     const Number initial = *setting;
     return {key,
             // A float is written with the digits that tell it from its neighbours, not those of its double.
-            [setting] { return QVariant(QString::number(*setting, 'g', std::numeric_limits<Number>::max_digits10)); },
+            [setting]
+            { return QVariant(QString::number(*setting, 'g', std::numeric_limits<Number>::max_digits10)); },
             [=](const QVariant& value) { return TakeNumber(value, minimum, maximum, setting); },
             [=] { *setting = initial; }};
 }
 
-template <>
+template<>
 SettingRow NumberRow(const char* key, int* setting, int minimum, int maximum)
 {
     const int initial = *setting;
@@ -161,7 +165,7 @@ SettingRow NumberRow(const char* key, int* setting, int minimum, int maximum)
             [=] { *setting = initial; }};
 }
 
-template <typename Enum>
+template<typename Enum>
 SettingRow EnumRow(const char* key, Enum* setting, Enum last)
 {
     const Enum initial = *setting;
@@ -185,8 +189,8 @@ SettingRow BoolRow(const char* key, bool* setting)
             [setting](const QVariant& value)
             {
                 const QString text = value.toString().toLower();
-                if (text != QLatin1String("true") && text != QLatin1String("false") && text != QLatin1String("1") &&
-                    text != QLatin1String("0"))
+                if (text != QLatin1String("true") && text != QLatin1String("false") &&
+                    text != QLatin1String("1") && text != QLatin1String("0"))
                     return WrongKind(value, "truth value (true or false)");
                 *setting = text == QLatin1String("true") || text == QLatin1String("1");
                 return QString();
@@ -213,8 +217,8 @@ SettingRow BytesRow(const char* key, QByteArray* setting)
     return {key, [setting] { return QVariant(QString::fromLatin1(setting->toBase64())); },
             [setting](const QVariant& value)
             {
-                const auto decoded =
-                    QByteArray::fromBase64Encoding(value.toString().toLatin1(), QByteArray::AbortOnBase64DecodingErrors);
+                const auto decoded = QByteArray::fromBase64Encoding(value.toString().toLatin1(),
+                                                                    QByteArray::AbortOnBase64DecodingErrors);
                 if (!decoded)
                     return WrongKind(value, "base64 text");
                 *setting = *decoded;
@@ -262,7 +266,8 @@ std::vector<SettingRow> MakeSettingRows()
         dropped(&S::onlyDisplayAnnotations),
         BoolRow("Annotations/annotationGhostPrevious", &S::annotationGhostPrevious),
         BoolRow("Annotations/annotationGhostNext", &S::annotationGhostNext),
-        NumberRow("Annotations/annotationGhostPreviousNumFrames", &S::annotationGhostPreviousNumFrames, 0, 100),
+        NumberRow("Annotations/annotationGhostPreviousNumFrames", &S::annotationGhostPreviousNumFrames, 0,
+                  100),
         NumberRow("Annotations/annotationGhostNextNumFrames", &S::annotationGhostNextNumFrames, 0, 100),
         NumberRow("Annotations/annotationGhostAlphaMin", &S::annotationGhostAlphaMin, 10, 255),
         NumberRow("Annotations/annotationGhostAlphaMax", &S::annotationGhostAlphaMax, 10, 255),
@@ -290,7 +295,8 @@ std::vector<SettingRow> MakeSettingRows()
         BoolRow("Timelines/globalTimelineShowCache", &S::globalTimelineShowCache),
         BoolRow("Timelines/rangeTimelineShowCache", &S::rangeTimelineShowCache),
 
-        BoolRow("Panels/linkProjectViewAndDetailsViewVisibility", &S::linkProjectViewAndDetailsViewVisibility),
+        BoolRow("Panels/linkProjectViewAndDetailsViewVisibility",
+                &S::linkProjectViewAndDetailsViewVisibility),
         BoolRow("Panels/highlightActiveElementInDetailsView", &S::highlightActiveElementInDetailsView),
 
         EnumRow("Export/exportProfile", &S::exportProfile, ExportProfileBaseline),
@@ -308,7 +314,8 @@ std::vector<SettingRow> MakeSettingRows()
 
         TextRow("Application/tempDirPath", &S::tempDirPath),
         NumberRow("Application/cacheSize", &S::cacheSize, S::MINIMUM_CACHE_SIZE, S::MAXIMUM_CACHE_SIZE),
-        NumberRow("Application/numRecentFiles", &S::numRecentFiles, S::MINIMUM_RECENT_FILES, S::MAXIMUM_RECENT_FILES),
+        NumberRow("Application/numRecentFiles", &S::numRecentFiles, S::MINIMUM_RECENT_FILES,
+                  S::MAXIMUM_RECENT_FILES),
         NumberRow("Application/numRecentProjects", &S::numRecentProjects, S::MINIMUM_RECENT_FILES,
                   S::MAXIMUM_RECENT_FILES),
         BoolRow("Application/openMediaInNewPlayers", &S::openMediaInNewPlayers),

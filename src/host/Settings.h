@@ -25,10 +25,10 @@ public:
 
     // Configuration file
 
-    /// Reads the user's INI file over the current values. A missing file changes nothing. A value of the wrong
-    /// kind is reported as a warning and skipped; a number out of range is reported and clamped. A file that
-    /// can't be parsed is moved to a backup beside it, reported as an error, and changes nothing. Returns
-    /// whether the file was absent or read without a complaint.
+    /// Reads the user's INI file over the current values. A missing file changes nothing. A value of the
+    /// wrong kind is reported as a warning and skipped; a number out of range is reported and clamped. A file
+    /// that can't be parsed is moved to a backup beside it, reported as an error, and changes nothing.
+    /// Returns whether the file was absent or read without a complaint.
     static bool ReadUserConfig();
     /// Writes every persistent setting to the user's INI file, atomically; keys that are not ours survive. A
     /// failure is reported as an error that names the file.
@@ -44,8 +44,8 @@ public:
 
     /// Active tool.
     static AnnotationToolType annotationTool;
-    /// Width of the active tool, as a fraction of the displayed picture's width (MINIMUM_DRAW_WIDTH to 1; 0 with
-    /// the eyedropper).
+    /// Width of the active tool, as a fraction of the displayed picture's width (MINIMUM_DRAW_WIDTH to 1; 0
+    /// with the eyedropper).
     static float drawWidth;
     /// Each tool's own width, as a fraction of the displayed picture's width (MINIMUM_DRAW_WIDTH to 1); of a
     /// text, a quarter of its point size.
@@ -75,8 +75,8 @@ public:
     /// allowed: ghosts then fade towards the current frame.
     static int annotationGhostAlphaMin;
     static int annotationGhostAlphaMax;
-    /// Composes each ghost on its own, so that an eraser acts within its frame alone; costs one full-size clear
-    /// and blend a frame.
+    /// Composes each ghost on its own, so that an eraser acts within its frame alone; costs one full-size
+    /// clear and blend a frame.
     static bool annotationGhostAccurate;
     /// The tool strip stands at the right of the viewers instead of the left.
     static bool annotationToolsAtRight;

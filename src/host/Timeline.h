@@ -9,8 +9,8 @@
 
 #include <memory>
 
-/// A timeline of a project: an object of type 1 that has bookmarks. The host subclasses it to give it elements
-/// and a clock.
+/// A timeline of a project: an object of type 1 that has bookmarks. The host subclasses it to give it
+/// elements and a clock.
 class TORVALENCORE_EXPORT Timeline : public ProjectObject
 {
 public:

@@ -20,8 +20,8 @@ void SendMouse(QWidget* widget, const QPoint& position, Qt::MouseButtons buttons
     const QPoint global = widget->mapToGlobal(position);
     QWidget* const top = widget->window();
     QCursor::setPos(global);
-    qt_handleMouseEvent(top->windowHandle(), top->mapFromGlobal(global), global, buttons, button, type, modifiers,
-                        milliseconds);
+    qt_handleMouseEvent(top->windowHandle(), top->mapFromGlobal(global), global, buttons, button, type,
+                        modifiers, milliseconds);
     QApplication::processEvents();
 }
 
@@ -48,8 +48,8 @@ void Release(QWidget* widget, const QPoint& position, Qt::MouseButton button, Qt
 
 bool Wheel(QWidget* widget, const QPoint& position, int angle, Qt::KeyboardModifiers modifiers)
 {
-    QWheelEvent event(position, widget->mapToGlobal(position), QPoint(), QPoint(0, angle), Qt::NoButton, modifiers,
-                      Qt::NoScrollPhase, false);
+    QWheelEvent event(position, widget->mapToGlobal(position), QPoint(), QPoint(0, angle), Qt::NoButton,
+                      modifiers, Qt::NoScrollPhase, false);
     event.ignore();
     QApplication::sendEvent(widget, &event);
     return event.isAccepted();

@@ -6,8 +6,8 @@
 
 class QWidget;
 
-/// Mouse input for tests that goes the whole way through the window system's event queue, so that the cursor, the
-/// buttons and the events agree.
+/// Mouse input for tests that goes the whole way through the window system's event queue, so that the cursor,
+/// the buttons and the events agree.
 namespace InputEvents
 {
 
@@ -23,7 +23,9 @@ void Press(QWidget* widget, const QPoint& position, Qt::MouseButton button = Qt:
 void Release(QWidget* widget, const QPoint& position, Qt::MouseButton button = Qt::LeftButton,
              Qt::KeyboardModifiers modifiers = Qt::NoModifier);
 
-/// Sends @p widget a wheel event of @p angle (eighths of a degree) at @p position. Returns whether it was accepted.
-bool Wheel(QWidget* widget, const QPoint& position, int angle, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+/// Sends @p widget a wheel event of @p angle (eighths of a degree) at @p position. Returns whether it was
+/// accepted.
+bool Wheel(QWidget* widget, const QPoint& position, int angle,
+           Qt::KeyboardModifiers modifiers = Qt::NoModifier);
 
 } // namespace InputEvents

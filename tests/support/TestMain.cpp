@@ -20,8 +20,8 @@ extern "C" int dlclose(void*)
 }
 #endif
 
-/// Runs the test class named by the first argument, or each one without an argument, with a fixed font and style
-/// and with settings of its own.
+/// Runs the test class named by the first argument, or each one without an argument, with a fixed font and
+/// style and with settings of its own.
 int main(int argc, char** argv)
 {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))

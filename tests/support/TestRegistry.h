@@ -14,7 +14,7 @@ using TestFactories = std::map<std::string, std::function<std::unique_ptr<QObjec
 TestFactories& RegisteredTests();
 
 /// Registers @p Test while the program loads; one stands in the source of each test class.
-template <typename Test>
+template<typename Test>
 struct TestRegistration
 {
     TestRegistration()
