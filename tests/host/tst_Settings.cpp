@@ -15,7 +15,8 @@
 namespace
 {
 
-/// One setting that outlives the session: how to give it a value that it doesn't have by default, and how to ask.
+/// One setting that outlives the session: how to give it a value that it doesn't have by default, and how to
+/// ask.
 struct SettingCase
 {
     const char* name;
@@ -23,7 +24,8 @@ struct SettingCase
     std::function<bool()> isChanged;
 };
 
-template <typename Value> SettingCase Case(const char* name, Value* setting, Value value)
+template<typename Value>
+SettingCase Case(const char* name, Value* setting, Value value)
 {
     return {name, [=] { *setting = value; }, [=] { return *setting == value; }};
 }
@@ -192,7 +194,8 @@ static_assert(std::is_same_v<decltype(Settings::cmdPort), int>);
 static_assert(std::is_same_v<decltype(Settings::consoleShowOnType), int>);
 static_assert(std::is_same_v<decltype(Settings::consoleWindowGeometry), QByteArray>);
 static_assert(std::is_same_v<std::remove_const_t<decltype(Settings::APPLICATION_TITLE)>, const char*>);
-static_assert(std::is_same_v<std::remove_const_t<decltype(Settings::TORVALEN_PRO_VERSION_STRING)>, const char*>);
+static_assert(
+    std::is_same_v<std::remove_const_t<decltype(Settings::TORVALEN_PRO_VERSION_STRING)>, const char*>);
 
 static_assert(!std::is_default_constructible_v<Settings>, "Settings is never instantiated");
 static_assert(std::is_same_v<decltype(&Settings::WriteUserConfig), void (*)()>);

@@ -226,7 +226,8 @@ void tst_SettingsFile::ANumberOutOfRangeIsClamped_data()
     QTest::addColumn<double>("expected");
     const double narrowest = static_cast<double>(Settings::MINIMUM_DRAW_WIDTH);
     QTest::newRow("cacheSize low") << "Application/cacheSize" << -1.0 << double(Settings::MINIMUM_CACHE_SIZE);
-    QTest::newRow("cacheSize high") << "Application/cacheSize" << 1e30 << double(Settings::MAXIMUM_CACHE_SIZE);
+    QTest::newRow("cacheSize high") << "Application/cacheSize" << 1e30
+                                    << double(Settings::MAXIMUM_CACHE_SIZE);
     QTest::newRow("numRecentFiles low") << "Application/numRecentFiles" << -1.0 << 0.0;
     QTest::newRow("numRecentProjects high")
         << "Application/numRecentProjects" << 1000.0 << double(Settings::MAXIMUM_RECENT_FILES);
