@@ -25,7 +25,8 @@
 #include <type_traits>
 
 // Enumerations are plain and their values are stored and sent as integers.
-static_assert(Pencil == 0 && Eraser == 1 && Text == 2 && Arrow == 3 && Oval == 4 && Eyedropper == 5 && Rectangle == 6);
+static_assert(Pencil == 0 && Eraser == 1 && Text == 2 && Arrow == 3 && Oval == 4 && Eyedropper == 5 &&
+              Rectangle == 6);
 static_assert(std::is_same_v<decltype(Pencil), AnnotationToolType>);
 static_assert(DrawPencil == 0 && DrawEraser == 1 && DrawText == 2 && DrawLine == 3 && DrawOval == 4 &&
               DrawArrow == 5 && DrawNone == 6 && DrawRectangle == 7);

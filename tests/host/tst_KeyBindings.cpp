@@ -16,8 +16,8 @@ static_assert(std::is_same_v<decltype(KeySequence::displayText), QString>);
 static_assert(std::is_pointer_v<decltype(KeySequence::owner)>);
 static_assert(std::is_same_v<decltype(KeySequence::permanent), bool>);
 
-static_assert(std::is_same_v<decltype(&KeyBindings::GetKeySequences),
-                             const QList<KeySequence*>& (KeyBindings::*)()>);
+static_assert(
+    std::is_same_v<decltype(&KeyBindings::GetKeySequences), const QList<KeySequence*>& (KeyBindings::*)()>);
 static_assert(std::is_same_v<decltype(&KeyBindings::UpdateUserSequences),
                              void (KeyBindings::*)(const QList<KeySequence*>&)>);
 static_assert(std::is_same_v<decltype(&KeyBindings::WriteUserKeyBindings), void (KeyBindings::*)()>);
@@ -33,9 +33,9 @@ QKeySequence Keys(const char* text)
 
 KeySequence* MakeRecord(int identifier, const char* name, const char* keys, bool permanent = false)
 {
-    return new KeySequence{identifier, {Keys(keys)}, {Keys(keys)}, QString::fromLatin1(name), {}, nullptr, permanent};
+    return new KeySequence{identifier, {Keys(keys)}, {Keys(keys)}, QString::fromLatin1(name),
+                           {},         nullptr,      permanent};
 }
-
 
 } // namespace
 
@@ -58,8 +58,8 @@ private Q_SLOTS:
 void tst_KeyBindings::FieldsStandInOrder()
 {
     QObject owner;
-    const KeySequence record{7,     {Keys("A")}, {Keys("B"), Keys("C")}, QStringLiteral("name"), QStringLiteral("text"),
-                             &owner, true};
+    const KeySequence record{
+        7, {Keys("A")}, {Keys("B"), Keys("C")}, QStringLiteral("name"), QStringLiteral("text"), &owner, true};
     QCOMPARE(record.identifier, 7);
     QCOMPARE(record.defaultSequences, QList<QKeySequence>{Keys("A")});
     QCOMPARE(record.currentSequences, (QList<QKeySequence>{Keys("B"), Keys("C")}));
@@ -71,7 +71,8 @@ void tst_KeyBindings::FieldsStandInOrder()
 
 void tst_KeyBindings::KeepsTheRecordsInOrder()
 {
-    const QList<KeySequence*> records = {MakeRecord(3, "c", "C"), MakeRecord(1, "a", "A"), MakeRecord(2, "b", "B")};
+    const QList<KeySequence*> records = {MakeRecord(3, "c", "C"), MakeRecord(1, "a", "A"),
+                                         MakeRecord(2, "b", "B")};
     KeyBindings bindings(records);
     QCOMPARE(bindings.GetKeySequences(), records);
 }
@@ -96,7 +97,8 @@ void tst_KeyBindings::UpdateChangesTheCurrentListsInPlace()
     KeyBindings bindings({MakeRecord(1, "a", "A"), MakeRecord(2, "b", "B")});
     bindings.GetKeySequences().first()->owner = &owner;
     const QList<KeySequence*> before = bindings.GetKeySequences();
-    KeySequence second{2, {}, {Keys("X"), Keys("Y")}, QStringLiteral("other"), QStringLiteral("other"), nullptr, true};
+    KeySequence second{2,       {},  {Keys("X"), Keys("Y")}, QStringLiteral("other"), QStringLiteral("other"),
+                       nullptr, true};
     KeySequence first{1, {}, {QKeySequence()}, {}, {}, nullptr, false};
     bindings.UpdateUserSequences({&second, &first});
     QCOMPARE(bindings.GetKeySequences(), before);

@@ -129,10 +129,32 @@ void tst_KeyBindingsFile::AMissingFileChangesNothing()
 void tst_KeyBindingsFile::ChordsRoundTrip_data()
 {
     QTest::addColumn<QString>("text");
-    for (const char* text :
-         {"A", "Ctrl+=", "Ctrl++", "Ctrl+,", ",", ";", "#", "=", "Ctrl+#", "Ctrl+;", "\\", "\"", "[", "Ctrl+%", "Num+5",
-          "Meta+Ctrl+Alt+Shift+F12", "Ctrl+K, Ctrl+S", "Ctrl+K, Ctrl+,", "Ctrl+,, Ctrl+=", "A, B, C, D", "PgUp", "Del",
-          "Backspace", "Shift+Tab", "Media Play", "Back"})
+    for (const char* text : {"A",
+                             "Ctrl+=",
+                             "Ctrl++",
+                             "Ctrl+,",
+                             ",",
+                             ";",
+                             "#",
+                             "=",
+                             "Ctrl+#",
+                             "Ctrl+;",
+                             "\\",
+                             "\"",
+                             "[",
+                             "Ctrl+%",
+                             "Num+5",
+                             "Meta+Ctrl+Alt+Shift+F12",
+                             "Ctrl+K, Ctrl+S",
+                             "Ctrl+K, Ctrl+,",
+                             "Ctrl+,, Ctrl+=",
+                             "A, B, C, D",
+                             "PgUp",
+                             "Del",
+                             "Backspace",
+                             "Shift+Tab",
+                             "Media Play",
+                             "Back"})
         QTest::newRow(text) << QString::fromLatin1(text);
 }
 
@@ -259,7 +281,8 @@ void tst_KeyBindingsFile::PermanentRecordsAreNeitherWrittenNorRead()
 
 void tst_KeyBindingsFile::RemarksBlanksAndForeignLineEndsAreFine()
 {
-    WriteFile("\xef\xbb\xbf# mine\r\n\r\n\t play=P\r\n   # play = Q\r\nfile.open   =   \r\ntake snapshot = Ctrl+=");
+    WriteFile(
+        "\xef\xbb\xbf# mine\r\n\r\n\t play=P\r\n   # play = Q\r\nfile.open   =   \r\ntake snapshot = Ctrl+=");
     const auto table = MakeTable();
     QVERIFY(table->ReadUserKeyBindings());
     QCOMPARE(Shortcuts(*table, 0), QList<QKeySequence>{Chord("P")});
@@ -288,7 +311,8 @@ void tst_KeyBindingsFile::ABrokenLineSetsTheFileAside_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QString>("place");
-    QTest::newRow("no equals sign") << QByteArray("play = P\n\nplay Q\n") << QStringLiteral("line 3 (\"play Q\")");
+    QTest::newRow("no equals sign") << QByteArray("play = P\n\nplay Q\n")
+                                    << QStringLiteral("line 3 (\"play Q\")");
     QTest::newRow("no command") << QByteArray("= P\nplay = P\n") << QStringLiteral("line 1 (\"= P\")");
     QTest::newRow("no such key") << QByteArray("play = P\nplay = Ctrl+Nonsense\n")
                                  << QStringLiteral("line 2 (\"play = Ctrl+Nonsense\")");

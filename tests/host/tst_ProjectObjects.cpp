@@ -28,8 +28,10 @@ static_assert(std::is_same_v<decltype(&ProjectObject::IsTimelineBin), bool (Proj
 static_assert(std::is_same_v<decltype(&ProjectObject::IsSourceTimeline), bool (ProjectObject::*)()>);
 static_assert(std::is_same_v<decltype(&ProjectObject::IsDefault), bool (ProjectObject::*)()>);
 static_assert(std::is_same_v<decltype(&ProjectObject::GetViewerIndex), int (ProjectObject::*)()>);
-static_assert(std::is_same_v<decltype(&ProjectObject::GetSource), std::weak_ptr<Source> (ProjectObject::*)()>);
-static_assert(std::is_same_v<decltype(&ProjectObject::GetElementInfos), QList<ElementInfo> (ProjectObject::*)()>);
+static_assert(
+    std::is_same_v<decltype(&ProjectObject::GetSource), std::weak_ptr<Source> (ProjectObject::*)()>);
+static_assert(
+    std::is_same_v<decltype(&ProjectObject::GetElementInfos), QList<ElementInfo> (ProjectObject::*)()>);
 static_assert(std::is_same_v<decltype(&ProjectObject::GetStartTime), int64_t (ProjectObject::*)()>);
 static_assert(std::is_same_v<decltype(&ProjectObject::GetEndTime), int64_t (ProjectObject::*)()>);
 static_assert(std::is_same_v<decltype(&ProjectObject::GetBookmarks), Bookmarks* (ProjectObject::*)()>);
@@ -75,8 +77,10 @@ private:
 };
 
 #ifdef __x86_64__
-/// The slot of a virtual operation in the class's table, as the Itanium C++ ABI writes it into a pointer to member.
-template <typename Operation> std::ptrdiff_t SlotOf(Operation operation)
+/// The slot of a virtual operation in the class's table, as the Itanium C++ ABI writes it into a pointer to
+/// member.
+template<typename Operation>
+std::ptrdiff_t SlotOf(Operation operation)
 {
     static_assert(sizeof(operation) == 2 * sizeof(std::ptrdiff_t));
     std::ptrdiff_t words[2];
@@ -164,15 +168,15 @@ void tst_ProjectObjects::VirtualOperationsStandInOrder()
 {
 #ifdef __x86_64__
     const std::ptrdiff_t virtualSlots[] = {
-        SlotOf(&ProjectObject::GetName),       SlotOf(&ProjectObject::GetType),
-        SlotOf(&ProjectObject::GetChildren),   SlotOf(&ProjectObject::IsMissing),
-        SlotOf(&ProjectObject::IsProtected),   SlotOf(&ProjectObject::IsFolderBin),
-        SlotOf(&ProjectObject::IsSourceBin),   SlotOf(&ProjectObject::IsTimelineBin),
+        SlotOf(&ProjectObject::GetName),          SlotOf(&ProjectObject::GetType),
+        SlotOf(&ProjectObject::GetChildren),      SlotOf(&ProjectObject::IsMissing),
+        SlotOf(&ProjectObject::IsProtected),      SlotOf(&ProjectObject::IsFolderBin),
+        SlotOf(&ProjectObject::IsSourceBin),      SlotOf(&ProjectObject::IsTimelineBin),
         SlotOf(&ProjectObject::IsSourceTimeline), SlotOf(&ProjectObject::IsDefault),
-        SlotOf(&ProjectObject::GetViewerIndex), SlotOf(&ProjectObject::GetSource),
-        SlotOf(&ProjectObject::GetElementInfos), SlotOf(&ProjectObject::GetStartTime),
-        SlotOf(&ProjectObject::GetEndTime),    SlotOf(&ProjectObject::GetBookmarks),
-        SlotOf(&ProjectObject::TimeToFrame),   SlotOf(&ProjectObject::FrameToTime),
+        SlotOf(&ProjectObject::GetViewerIndex),   SlotOf(&ProjectObject::GetSource),
+        SlotOf(&ProjectObject::GetElementInfos),  SlotOf(&ProjectObject::GetStartTime),
+        SlotOf(&ProjectObject::GetEndTime),       SlotOf(&ProjectObject::GetBookmarks),
+        SlotOf(&ProjectObject::TimeToFrame),      SlotOf(&ProjectObject::FrameToTime),
     };
     std::ptrdiff_t last = -1;
     for (const std::ptrdiff_t slot : virtualSlots)

@@ -1,1 +1,0 @@
-int TorvalenPlaceholder = 0;
