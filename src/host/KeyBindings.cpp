@@ -111,7 +111,9 @@ bool KeyBindings::ReadUserKeyBindings()
         UserFile::SetAside(file.fileName(), file.errorString());
         return false;
     }
-    const QStringList lines = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
+    const QByteArray content = file.readAll();
+    // The size is told, since the text would else end at the first null byte.
+    const QStringList lines = QString::fromUtf8(content.constData(), content.size()).split(QLatin1Char('\n'));
     file.close();
 
     QHash<KeySequence*, QList<QKeySequence>> read;

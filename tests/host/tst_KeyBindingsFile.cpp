@@ -320,6 +320,8 @@ void tst_KeyBindingsFile::ABrokenLineSetsTheFileAside_data()
         << QByteArray("play = P\nplay = A, Nonsense\n") << QStringLiteral("line 2 (\"play = A, Nonsense\")");
     QTest::newRow("no such key of an unknown command")
         << QByteArray("play = P\nother = Nonsense\n") << QStringLiteral("line 2 (\"other = Nonsense\")");
+    QTest::newRow("null bytes behind a good line")
+        << QByteArray("play = P\n\0\0\0", 12) << QStringLiteral("line 2 ");
     QTest::newRow("bytes") << QByteArray("\x89PNG\0\0\xff\xfe", 8) << QStringLiteral("line 1 ");
 }
 

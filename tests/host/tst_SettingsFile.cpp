@@ -115,6 +115,9 @@ void tst_SettingsFile::ABrokenFileIsKeptBeside_data()
     QTest::newRow("a broken line behind good ones")
         << QByteArray("[Application]\ncacheSize=512\nthis is no setting\n");
     QTest::newRow("a section without an end") << QByteArray("[Application\ncacheSize=512\n");
+    QTest::newRow("null bytes") << QByteArray(4096, '\0');
+    QTest::newRow("null bytes behind good lines")
+        << QByteArray("[Application]\ncacheSize=512\n") + QByteArray(100, '\0');
     QTest::newRow("bytes") << QByteArray("\x89PNG\r\n\x1a\n\0\0\0\x0dIHDR\0\0", 18);
 }
 
