@@ -27,9 +27,9 @@ QString GoldenDifference(const QString& name, const QString& text)
             return {};
         return QStringLiteral("%1 can't be written").arg(file.fileName());
     }
-    const QString remedy =
-        QStringLiteral("\nIf the interface is meant to change, run tests/contract/update-golden and commit the "
-                       "difference.");
+    const QString remedy = QStringLiteral(
+        "\nIf the interface is meant to change, run tests/contract/update-golden and commit the "
+        "difference.");
     if (!file.open(QIODevice::ReadOnly))
         return QStringLiteral("there is no golden file %1.%2").arg(file.fileName(), remedy);
     const QStringList expected = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));

@@ -19,7 +19,8 @@ QStringList SharedLibraries()
 QStringList ExportedNames(const QString& path)
 {
     QProcess nm;
-    nm.start(QStringLiteral("nm"), {QStringLiteral("-D"), QStringLiteral("--defined-only"), QStringLiteral("-P"), path});
+    nm.start(QStringLiteral("nm"),
+             {QStringLiteral("-D"), QStringLiteral("--defined-only"), QStringLiteral("-P"), path});
     if (!nm.waitForFinished() || nm.exitCode() != 0)
         return {};
     QStringList names;

@@ -15,12 +15,13 @@ QString FolderOf(const QString& path)
     return path.section(QLatin1Char('/'), 1, -2);
 }
 
-/// The file of @p tree that @p source means by @p name: beside it, or below the include root of its product. Empty
-/// for one that is not in the tree, such as a generated one.
+/// The file of @p tree that @p source means by @p name: beside it, or below the include root of its product.
+/// Empty for one that is not in the tree, such as a generated one.
 QString Resolved(const SourceTree& tree, const QString& source, const QString& name)
 {
     const QString beside = QDir::cleanPath(source.section(QLatin1Char('/'), 0, -2) + QLatin1Char('/') + name);
-    for (const QString& candidate : {beside, QStringLiteral("src/") + name, QStringLiteral("player/") + name, name})
+    for (const QString& candidate :
+         {beside, QStringLiteral("src/") + name, QStringLiteral("player/") + name, name})
     {
         if (tree.contains(candidate))
             return candidate;
@@ -90,8 +91,9 @@ SourceTree ReadSources(const QString& folder)
 
 QStringList WrongIncludes(const SourceTree& tree)
 {
-    static const QRegularExpression include(QStringLiteral("^[ \\t]*#[ \\t]*include[ \\t]*([<\"])([^>\"]+)[>\"]"),
-                                            QRegularExpression::MultilineOption);
+    static const QRegularExpression include(
+        QStringLiteral("^[ \\t]*#[ \\t]*include[ \\t]*([<\"])([^>\"]+)[>\"]"),
+        QRegularExpression::MultilineOption);
     QStringList wrong;
     for (auto source = tree.cbegin(); source != tree.cend(); ++source)
     {

@@ -15,8 +15,8 @@ QString RepositoryRoot();
 /// Reads the C++ sources and forms below @p folder of the repository.
 SourceTree ReadSources(const QString& folder);
 
-/// What is included against the direction in which the folders of @p tree build on each other, a line each. Below
-/// `src` a source includes its own folder, `kit` includes `host`, every other folder both, and nothing else but Qt
-/// and the standard library is included; a folder is named by its whole path, so that those of the dialogs are
-/// different ones.
+/// What is included against the direction in which the folders of @p tree build on each other, a line each.
+/// Below `src` a source includes its own folder, `kit` includes `host`, every other folder both, and nothing
+/// else but Qt and the standard library is included; a folder is named by its whole path, so that those of
+/// the dialogs are different ones.
 QStringList WrongIncludes(const SourceTree& tree);

@@ -30,8 +30,8 @@ private:
 namespace
 {
 
-/// The outermost class, namespace or function that the C++ name @p symbol belongs to; empty for an instance of a
-/// template of Qt or the standard library, which many libraries define and share.
+/// The outermost class, namespace or function that the C++ name @p symbol belongs to; empty for an instance
+/// of a template of Qt or the standard library, which many libraries define and share.
 QString OwnerOf(QString symbol)
 {
     static const QRegularExpression prefix(QStringLiteral(
@@ -58,7 +58,8 @@ QString OwnerOf(QString symbol)
             name += character;
     }
     const QString owner = name.section(QLatin1String("::"), 0, 0);
-    static const QRegularExpression foreign(QStringLiteral("^(std|__gnu_cxx|__cxxabiv1|Q[A-Z]\\w*|q[A-Z]\\w*|Qt\\w*)$"));
+    static const QRegularExpression foreign(
+        QStringLiteral("^(std|__gnu_cxx|__cxxabiv1|Q[A-Z]\\w*|q[A-Z]\\w*|Qt\\w*)$"));
     return foreign.match(owner).hasMatch() ? QString() : owner;
 }
 
@@ -83,8 +84,9 @@ void tst_ExportedSymbols::initTestCase()
         for (const QString& name : names)
         {
             // Names that the linker makes.
-            if (name.startsWith(QLatin1String("__")) || name == QLatin1String("_init") || name == QLatin1String("_fini") ||
-                name == QLatin1String("_end") || name == QLatin1String("_edata"))
+            if (name.startsWith(QLatin1String("__")) || name == QLatin1String("_init") ||
+                name == QLatin1String("_fini") || name == QLatin1String("_end") ||
+                name == QLatin1String("_edata"))
                 continue;
             const QString owner = OwnerOf(Demangled(name));
             if (!owner.isEmpty())
@@ -137,21 +139,35 @@ void tst_ExportedSymbols::TheOwnerOfASymbolIsFound_data()
 {
     QTest::addColumn<QString>("symbol");
     QTest::addColumn<QString>("owner");
-    QTest::newRow("operation") << "Settings::WriteUserConfig()" << "Settings";
-    QTest::newRow("arguments") << "Logger::Error(QString const&)" << "Logger";
-    QTest::newRow("data") << "Settings::drawWidth" << "Settings";
-    QTest::newRow("vtable") << "vtable for ViewerWidget" << "ViewerWidget";
-    QTest::newRow("type name") << "typeinfo name for ViewerWidget" << "ViewerWidget";
-    QTest::newRow("thunk") << "non-virtual thunk to ViewerWidget::~ViewerWidget()" << "ViewerWidget";
-    QTest::newRow("namespace") << "UserFile::SetAside(QString const&, QString const&)" << "UserFile";
-    QTest::newRow("function") << "DrawSpaceOf(QPoint const&)" << "DrawSpaceOf";
-    QTest::newRow("variable") << "Int64MetaType" << "Int64MetaType";
-    QTest::newRow("static") << "guard variable for Hidden::Instance()::instance" << "Hidden";
-    QTest::newRow("Qt's list") << "QList<TimeBookmark>::~QList()" << "";
-    QTest::newRow("standard pointer") << "std::_Sp_counted_ptr<Hidden*, (__gnu_cxx::_Lock_policy)2>::~_Sp_counted_ptr()"
-                                      << "";
-    QTest::newRow("function template") << "void std::vector<int>::push_back(int)" << "";
-    QTest::newRow("own template") << "Hidden<QString>::Run(int)" << "Hidden";
+    QTest::newRow("operation") << "Settings::WriteUserConfig()"
+                               << "Settings";
+    QTest::newRow("arguments") << "Logger::Error(QString const&)"
+                               << "Logger";
+    QTest::newRow("data") << "Settings::drawWidth"
+                          << "Settings";
+    QTest::newRow("vtable") << "vtable for ViewerWidget"
+                            << "ViewerWidget";
+    QTest::newRow("type name") << "typeinfo name for ViewerWidget"
+                               << "ViewerWidget";
+    QTest::newRow("thunk") << "non-virtual thunk to ViewerWidget::~ViewerWidget()"
+                           << "ViewerWidget";
+    QTest::newRow("namespace") << "UserFile::SetAside(QString const&, QString const&)"
+                               << "UserFile";
+    QTest::newRow("function") << "DrawSpaceOf(QPoint const&)"
+                              << "DrawSpaceOf";
+    QTest::newRow("variable") << "Int64MetaType"
+                              << "Int64MetaType";
+    QTest::newRow("static") << "guard variable for Hidden::Instance()::instance"
+                            << "Hidden";
+    QTest::newRow("Qt's list") << "QList<TimeBookmark>::~QList()"
+                               << "";
+    QTest::newRow("standard pointer")
+        << "std::_Sp_counted_ptr<Hidden*, (__gnu_cxx::_Lock_policy)2>::~_Sp_counted_ptr()"
+        << "";
+    QTest::newRow("function template") << "void std::vector<int>::push_back(int)"
+                                       << "";
+    QTest::newRow("own template") << "Hidden<QString>::Run(int)"
+                                  << "Hidden";
 }
 
 void tst_ExportedSymbols::TheOwnerOfASymbolIsFound()

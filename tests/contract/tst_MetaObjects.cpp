@@ -63,18 +63,21 @@ QString KindOf(const QMetaMethod& method)
 QString Describe(const QMetaObject* metaObject)
 {
     const auto* base = metaObject->superClass();
-    QStringList lines = {QStringLiteral("class %1 : %2")
-                             .arg(QLatin1String(metaObject->className()), QLatin1String(base ? base->className() : ""))};
+    QStringList lines = {
+        QStringLiteral("class %1 : %2")
+            .arg(QLatin1String(metaObject->className()), QLatin1String(base ? base->className() : ""))};
     for (int index = metaObject->methodOffset(); index < metaObject->methodCount(); ++index)
     {
         const QMetaMethod method = metaObject->method(index);
-        lines << QStringLiteral("%1 %2 %3").arg(KindOf(method), QLatin1String(method.typeName()),
-                                                QString::fromLatin1(method.methodSignature()));
+        lines << QStringLiteral("%1 %2 %3")
+                     .arg(KindOf(method), QLatin1String(method.typeName()),
+                          QString::fromLatin1(method.methodSignature()));
     }
     for (int index = metaObject->propertyOffset(); index < metaObject->propertyCount(); ++index)
     {
         const QMetaProperty property = metaObject->property(index);
-        lines << QStringLiteral("property %1 %2").arg(QLatin1String(property.typeName()), QLatin1String(property.name()));
+        lines << QStringLiteral("property %1 %2")
+                     .arg(QLatin1String(property.typeName()), QLatin1String(property.name()));
     }
     for (int index = metaObject->enumeratorOffset(); index < metaObject->enumeratorCount(); ++index)
         lines << QStringLiteral("enumeration %1").arg(QLatin1String(metaObject->enumerator(index).name()));
@@ -117,7 +120,8 @@ void tst_MetaObjects::SignaturesAreThoseOfTheGoldenFiles_data()
 void tst_MetaObjects::SignaturesAreThoseOfTheGoldenFiles()
 {
     QFETCH(QString, name);
-    const QString difference = GoldenDifference(name + QStringLiteral(".txt"), Describe(mMetaObjects.value(name)));
+    const QString difference =
+        GoldenDifference(name + QStringLiteral(".txt"), Describe(mMetaObjects.value(name)));
     QVERIFY2(difference.isEmpty(), qPrintable(difference));
 }
 
@@ -130,7 +134,8 @@ void tst_MetaObjects::EachGoldenFileHasItsClass()
         // Classes begin with a capital; other lists don't.
         if (!file.at(0).isUpper())
             continue;
-        QVERIFY2(mMetaObjects.contains(file.chopped(4)), qPrintable(file + QStringLiteral(" has no class any more")));
+        QVERIFY2(mMetaObjects.contains(file.chopped(4)),
+                 qPrintable(file + QStringLiteral(" has no class any more")));
     }
 }
 
@@ -140,10 +145,13 @@ void tst_MetaObjects::ADifferenceIsTold()
         QSKIP("the golden files are being written");
     const QString logger = Describe(mMetaObjects.value(QStringLiteral("Logger")));
     const QString file = QStringLiteral("Logger.txt");
-    QVERIFY(GoldenDifference(file, logger + QStringLiteral("signal void More()\n")).contains(QStringLiteral("More")));
+    QVERIFY(GoldenDifference(file, logger + QStringLiteral("signal void More()\n"))
+                .contains(QStringLiteral("More")));
     QVERIFY(!GoldenDifference(file, logger.section(QLatin1Char('\n'), 0, -3)).isEmpty());
-    QVERIFY(!GoldenDifference(file, QString(logger).replace(QLatin1String("QString"), QLatin1String("int"))).isEmpty());
-    QVERIFY(GoldenDifference(QStringLiteral("NoSuchClass.txt"), logger).contains(QStringLiteral("update-golden")));
+    QVERIFY(!GoldenDifference(file, QString(logger).replace(QLatin1String("QString"), QLatin1String("int")))
+                 .isEmpty());
+    QVERIFY(GoldenDifference(QStringLiteral("NoSuchClass.txt"), logger)
+                .contains(QStringLiteral("update-golden")));
 }
 
 static const TestRegistration<tst_MetaObjects> MetaObjectsRegistration;

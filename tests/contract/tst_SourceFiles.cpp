@@ -23,12 +23,14 @@ namespace
 /// Whether the file at @p path, whose text begins with @p head, is one of the sources.
 bool IsSource(const QString& path, const QByteArray& head)
 {
-    static const QRegularExpression name(QStringLiteral(
-        "(^|/)CMakeLists\\.txt$|\\.(h|cpp|cmake|in|py|sh|ui|qrc|svg|vert|frag)$|(^|/)\\.clang-(format|tidy)$"));
+    static const QRegularExpression name(
+        QStringLiteral("(^|/)CMakeLists\\.txt$|\\.(h|cpp|cmake|in|py|sh|ui|qrc|svg|vert|frag)$|(^|/"
+                       ")\\.clang-(format|tidy)$"));
     return name.match(path).hasMatch() || head.startsWith("#!");
 }
 
-/// Whether @p head, the first lines of a file, tells the licence; a script and an XML file have a line before it.
+/// Whether @p head, the first lines of a file, tells the licence; a script and an XML file have a line before
+/// it.
 bool TellsLicence(const QByteArray& head)
 {
     const QList<QByteArray> lines = head.split('\n');
@@ -72,7 +74,7 @@ void tst_SourceFiles::EachTellsItsLicence()
         if (!file.open(QIODevice::ReadOnly))
             continue;
         const QByteArray head = file.read(400);
-        if (!IsSource(path, head))
+        if (head.isEmpty() || !IsSource(path, head))
             continue;
         ++sources;
         if (!TellsLicence(head))
@@ -90,9 +92,12 @@ void tst_SourceFiles::AFileWithoutALicenceIsSeen_data()
     QTest::addColumn<bool>("isFine");
     QTest::newRow("source") << "src/a.cpp" << QByteArray("// SPDX-License-Identifier: MIT\n") << true << true;
     QTest::newRow("bare source") << "src/a.cpp" << QByteArray("#include <QString>\n") << true << false;
-    QTest::newRow("other licence") << "src/a.h" << QByteArray("// SPDX-License-Identifier: 0BSD\n") << true << false;
-    QTest::newRow("too late") << "src/a.h" << QByteArray("\n\n// SPDX-License-Identifier: MIT\n") << true << false;
-    QTest::newRow("script") << "test" << QByteArray("#!/bin/sh\n# SPDX-License-Identifier: MIT\n") << true << true;
+    QTest::newRow("other licence") << "src/a.h" << QByteArray("// SPDX-License-Identifier: 0BSD\n") << true
+                                   << false;
+    QTest::newRow("too late") << "src/a.h" << QByteArray("\n\n// SPDX-License-Identifier: MIT\n") << true
+                              << false;
+    QTest::newRow("script") << "test" << QByteArray("#!/bin/sh\n# SPDX-License-Identifier: MIT\n") << true
+                            << true;
     QTest::newRow("bare script") << "test" << QByteArray("#!/bin/sh\nexit 1\n") << true << false;
     QTest::newRow("list") << "a/CMakeLists.txt" << QByteArray("add_library(a)\n") << true << false;
     QTest::newRow("prose") << "README.md" << QByteArray("# Title\n") << false << false;
