@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: MIT
+#include "host/Logger.h"
+#include "host/Settings.h"
+#include "window/DarkPalette.h"
+#include "window/PlayThrough.h"
+#include "window/PlayerWindow.h"
+#include "window/StandardLog.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QStyleFactory>
+#include <QSurfaceFormat>
+#include <QTimer>
+
+#include <cstdio>
+
+namespace
+{
+
+/// How long a screenshot waits for the first pictures, in milliseconds.
+constexpr int ScreenshotTimeout = 20000;
+
+const QStringList LayoutNames = {QStringLiteral("single"), QStringLiteral("horizontal"),
+                                 QStringLiteral("vertical")};
+
+QCommandLineOption Option(const char* name, const char* description, const char* value = nullptr)
+{
+    return QCommandLineOption(QLatin1String(name), QCoreApplication::translate("main", description),
+                              QLatin1String(value ? value : ""));
+}
+
+/// What a host sets before its application: an OpenGL 3.3 core profile, with contexts that share, so that
+/// moving a viewer to another window loses nothing.
+void PrepareApplication()
+{
+    QSurfaceFormat format;
+    format.setVersion(3, 3);
+    format.setProfile(QSurfaceFormat::CoreProfile);
+    QSurfaceFormat::setDefaultFormat(format);
+    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
+    Settings::ReadUserConfig();
+    if (Settings::highDpiScaling)
+        QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    QCoreApplication::setApplicationName(QString::fromLatin1(Settings::APPLICATION_TITLE));
+    QCoreApplication::setApplicationVersion(QString::fromLatin1(Settings::TORVALEN_PRO_VERSION_STRING));
+}
+
+/// Saves the window's picture at @p path once it shows what it is to show, and ends the application.
+void TakeScreenshot(PlayerWindow* window, const QString& path)
+{
+    const auto take = [window, path]
+    {
+        const bool saved = window->grab().save(path);
+        if (!saved)
+            Logger::GetInstance()->Error(
+                QStringLiteral("The screenshot could not be written to %1").arg(path));
+        QApplication::exit(saved ? 0 : 1);
+    };
+    QObject::connect(window, &PlayerWindow::Settled, window,
+                     [window, take] { QTimer::singleShot(200, window, take); });
+    QTimer::singleShot(ScreenshotTimeout, window, take);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    StandardLog log;
+    PrepareApplication();
+    QApplication application(argc, argv);
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setPalette(DarkPalette());
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QCoreApplication::translate("main", "Plays movies and image sequences for review."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    const QCommandLineOption viewerB = Option("viewer-b", "Opens FILE in viewer B.", "FILE");
+    const QCommandLineOption layout = Option("layout", "Layout: single, horizontal or vertical.", "NAME");
+    const QCommandLineOption play = Option("play", "Starts playing at once.");
+    const QCommandLineOption screenshot =
+        Option("screenshot", "Saves the window's picture as FILE once it shows the first frames, and quits.",
+               "FILE");
+    const QCommandLineOption playThrough = Option(
+        "play-through",
+        "Plays FILE as fast as it can, prints frames, seconds and frames a second, and quits.", "FILE");
+    const QCommandLineOption size = Option("size", "Size of the window of --play-through.", "WIDTHxHEIGHT");
+    parser.addOptions({viewerB, layout, play, screenshot, playThrough, size});
+    parser.addPositionalArgument(QStringLiteral("FILE"),
+                                 QCoreApplication::translate("main", "Movies or files of image sequences."),
+                                 QStringLiteral("[FILE…]"));
+    parser.process(application);
+
+    if (parser.isSet(playThrough))
+        return RunPlayThrough(parser.value(playThrough), parser.value(size));
+    if (parser.isSet(layout) && !LayoutNames.contains(parser.value(layout)))
+    {
+        std::fprintf(stderr, "torvalen: there is no layout \"%s\"; take single, horizontal or vertical\n",
+                     qUtf8Printable(parser.value(layout)));
+        return 2;
+    }
+
+    PlayerWindow window;
+    if (parser.isSet(layout))
+        window.SetLayout(LayoutNames.indexOf(parser.value(layout)));
+    if (parser.isSet(screenshot))
+        TakeScreenshot(&window, parser.value(screenshot));
+    window.show();
+    if (!parser.positionalArguments().isEmpty())
+        window.OpenFiles(parser.positionalArguments(), 0);
+    if (parser.isSet(viewerB))
+        window.OpenFiles({parser.value(viewerB)}, 1);
+    if (parser.isSet(play))
+        window.PlayWhenReady();
+    return QApplication::exec();
+}

@@ -1,0 +1,301 @@
+// SPDX-License-Identifier: MIT
+#include "window/PlayerWindow.h"
+
+#include "annotation/StrokeController.h"
+#include "host/Settings.h"
+#include "playback/PlaybackController.h"
+#include "project/MediaTimeline.h"
+#include "viewers/ViewerWidget.h"
+#include "window/CommandTable.h"
+#include "window/TimelineBinding.h"
+
+#include <QColorDialog>
+
+#include <algorithm>
+
+namespace
+{
+
+constexpr float WidthStep = 1.25f;
+constexpr float ZoomFactor = 1.25f;
+
+QList<QKeySequence> Keys(std::initializer_list<int> keys)
+{
+    QList<QKeySequence> sequences;
+    for (const int key : keys)
+        sequences << QKeySequence(key);
+    return sequences;
+}
+
+} // namespace
+
+std::vector<Command> PlayerWindow::MakeCommands()
+{
+    std::vector<Command> commands;
+    AddFileCommands(commands);
+    AddPlaybackCommands(commands);
+    AddViewCommands(commands);
+    AddAnnotationCommands(commands);
+    AddBookmarkCommands(commands);
+    return commands;
+}
+
+void PlayerWindow::AddFileCommands(std::vector<Command>& commands)
+{
+    commands.push_back(
+        {"file.open", tr("&Open…"), "file", Keys({Qt::CTRL + Qt::Key_O}), [this] { OpenFromDialog(0); }, {}});
+    commands.push_back({"file.openViewerB",
+                        tr("Open in Viewer &B…"),
+                        "file",
+                        Keys({Qt::CTRL + Qt::SHIFT + Qt::Key_O}),
+                        [this] { OpenFromDialog(1); },
+                        {}});
+    commands.push_back(
+        {"file.quit", tr("|&Quit"), "file", Keys({Qt::CTRL + Qt::Key_Q}), [this] { close(); }, {}});
+    commands.push_back({"media.next",
+                        tr("&Next Medium"),
+                        "media",
+                        Keys({Qt::Key_PageDown}),
+                        [this] { ShowNeighbourEntry(1); },
+                        {}});
+    commands.push_back({"media.previous",
+                        tr("&Previous Medium"),
+                        "media",
+                        Keys({Qt::Key_PageUp}),
+                        [this] { ShowNeighbourEntry(-1); },
+                        {}});
+}
+
+void PlayerWindow::AddPlaybackCommands(std::vector<Command>& commands)
+{
+    const auto add = [&](const char* name, const QString& text, std::initializer_list<int> keys,
+                         std::function<void()> run, std::function<bool()> isOn = {})
+    {
+        commands.push_back({QLatin1String(name), text, QStringLiteral("playback"), Keys(keys), std::move(run),
+                            std::move(isOn)});
+    };
+    add("playback.toggle", tr("&Play or Pause"), {Qt::Key_Space, Qt::Key_K},
+        [this] { mPlayback->TogglePlayback(); });
+    add("playback.forwards", tr("Play &Forwards"), {Qt::Key_L}, [this] { mPlayback->Play(1); });
+    add("playback.backwards", tr("Play &Backwards"), {Qt::Key_J}, [this] { mPlayback->Play(-1); });
+    add("playback.next", tr("|&Next Frame"), {Qt::Key_Right}, [this] { mPlayback->Step(1); });
+    add("playback.previous", tr("P&revious Frame"), {Qt::Key_Left}, [this] { mPlayback->Step(-1); });
+    add("playback.nextSecond", tr("One Second On"), {Qt::SHIFT + Qt::Key_Right}, [this] { StepSeconds(1); });
+    add("playback.previousSecond", tr("One Second Back"), {Qt::SHIFT + Qt::Key_Left},
+        [this] { StepSeconds(-1); });
+    add("playback.first", tr("F&irst Frame"), {Qt::Key_Home}, [this] { mPlayback->GoToFirst(); });
+    add("playback.last", tr("&Last Frame"), {Qt::Key_End}, [this] { mPlayback->GoToLast(); });
+
+    struct LoopRow
+    {
+        const char* name;
+        QString text;
+        LoopType type;
+    };
+    for (const LoopRow& row :
+         {LoopRow{"playback.noLoop", tr("|No Loop"), NoLoop}, LoopRow{"playback.loop", tr("Loop"), Loop},
+          LoopRow{"playback.pingPong", tr("Ping Pong"), PingPong}})
+    {
+        add(
+            row.name, row.text, {}, [type = row.type] { Settings::loopType = type; },
+            [type = row.type] { return Settings::loopType == type; });
+    }
+    add(
+        "playback.stepped", tr("|Show Every Frame"), {},
+        [this] { mPlayback->SetStepped(!mPlayback->IsStepped()); },
+        [this] { return mPlayback->IsStepped(); });
+    add("playback.faster", tr("Faster"), {Qt::CTRL + Qt::Key_Up},
+        [this] { mPlayback->SetSpeed(mPlayback->Speed() * 2.0f); });
+    add("playback.slower", tr("Slower"), {Qt::CTRL + Qt::Key_Down},
+        [this] { mPlayback->SetSpeed(mPlayback->Speed() * 0.5f); });
+    add("playback.normalSpeed", tr("Normal Speed"), {Qt::CTRL + Qt::Key_0},
+        [this] { mPlayback->SetSpeed(1.0f); });
+}
+
+void PlayerWindow::AddViewCommands(std::vector<Command>& commands)
+{
+    const auto add = [&](const char* name, const QString& text, std::initializer_list<int> keys,
+                         std::function<void()> run, std::function<bool()> isOn = {})
+    {
+        commands.push_back(
+            {QLatin1String(name), text, QStringLiteral("view"), Keys(keys), std::move(run), std::move(isOn)});
+    };
+    struct LayoutRow
+    {
+        const char* name;
+        QString text;
+        int key;
+        ViewerLayout layout;
+    };
+    for (const LayoutRow& row :
+         {LayoutRow{"view.single", tr("&Single Viewer"), Qt::Key_1, Single},
+          LayoutRow{"view.horizontal", tr("Viewers Side by Side"), Qt::Key_2, Horizontal},
+          LayoutRow{"view.vertical", tr("Viewers Stacked"), Qt::Key_3, Vertical}})
+    {
+        add(
+            row.name, row.text, {row.key}, [this, layout = row.layout] { SetLayout(layout); },
+            [this, layout = row.layout] { return mViewer->GetViewerLayout() == layout; });
+    }
+    add("view.otherViewer", tr("Other &Viewer"), {Qt::Key_Tab},
+        [this]
+        {
+            if (mPlayback->TimelineOf(1 - mPlayback->ActiveViewer()))
+                SetActiveViewer(1 - mPlayback->ActiveViewer());
+        });
+    add("view.zoomIn", tr("|Zoom &In"), {Qt::Key_Plus, Qt::Key_Equal}, [this] { ZoomBy(ZoomFactor); });
+    add("view.zoomOut", tr("Zoom &Out"), {Qt::Key_Minus}, [this] { ZoomBy(1.0f / ZoomFactor); });
+    add("view.fit", tr("&Fit"), {Qt::Key_F}, [this] { SetZoom(1.0f); });
+    add(
+        "view.annotations", tr("|Show &Annotations"), {Qt::Key_A},
+        [this]
+        {
+            mAnnotationsVisible = !mAnnotationsVisible;
+            mViewer->SetAnnotationsVisible(mAnnotationsVisible);
+        },
+        [this] { return mAnnotationsVisible; });
+    add(
+        "view.annotationsOnly", tr("Annotations &Without Picture"), {},
+        [this]
+        {
+            Settings::onlyDisplayAnnotations = !Settings::onlyDisplayAnnotations;
+            mViewer->RefreshAll();
+        },
+        [] { return Settings::onlyDisplayAnnotations; });
+    add(
+        "view.fullScreen", tr("|F&ull Screen"), {Qt::Key_F11},
+        [this] { setWindowState(windowState() ^ Qt::WindowFullScreen); }, [this] { return isFullScreen(); });
+}
+
+void PlayerWindow::AddAnnotationCommands(std::vector<Command>& commands)
+{
+    const auto add = [&](const char* name, const QString& text, std::initializer_list<int> keys,
+                         std::function<void()> run, std::function<bool()> isOn = {})
+    {
+        commands.push_back({QLatin1String(name), text, QStringLiteral("annotate"), Keys(keys), std::move(run),
+                            std::move(isOn)});
+    };
+    add(
+        "annotate.draw", tr("&Draw"), {Qt::Key_D}, [this] { SetDrawEnabled(!Settings::drawEnabled); },
+        [] { return Settings::drawEnabled; });
+    add(
+        "annotate.pencil", tr("|&Pencil"), {Qt::Key_P}, [this] { SelectTool(Pencil); },
+        [] { return Settings::annotationTool == Pencil; });
+    add(
+        "annotate.eraser", tr("&Eraser"), {Qt::Key_E}, [this] { SelectTool(Eraser); },
+        [] { return Settings::annotationTool == Eraser; });
+    add("annotate.color", tr("&Colour…"), {Qt::Key_C},
+        [this]
+        {
+            const QColor color = QColorDialog::getColor(Settings::drawColor, this, tr("Drawing Colour"),
+                                                        QColorDialog::ShowAlphaChannel);
+            if (color.isValid())
+                Settings::drawColor = color;
+        });
+    add("annotate.wider", tr("&Wider"), {Qt::Key_BracketRight}, [this] { ChangeDrawWidth(WidthStep); });
+    add("annotate.narrower", tr("&Narrower"), {Qt::Key_BracketLeft},
+        [this] { ChangeDrawWidth(1.0f / WidthStep); });
+    add("annotate.undo", tr("|&Undo"), {Qt::CTRL + Qt::Key_Z},
+        [this]
+        {
+            mStrokes->Cancel();
+            mUndoStack.undo();
+        });
+    add("annotate.redo", tr("&Redo"), {Qt::CTRL + Qt::SHIFT + Qt::Key_Z, Qt::CTRL + Qt::Key_Y},
+        [this]
+        {
+            mStrokes->Cancel();
+            mUndoStack.redo();
+        });
+    add("annotate.clearFrame", tr("C&lear Frame"), {Qt::CTRL + Qt::Key_Backspace},
+        [this] { mStrokes->ClearFrame(mPlayback->ActiveViewer()); });
+    add(
+        "annotate.ghostPrevious", tr("|Ghosts of Frames &Before"), {Qt::Key_G},
+        [this]
+        {
+            Settings::annotationGhostPrevious = !Settings::annotationGhostPrevious;
+            PresentOverlays();
+            mViewer->RefreshAll();
+        },
+        [] { return Settings::annotationGhostPrevious; });
+    add(
+        "annotate.ghostNext", tr("Ghosts of Frames &After"), {Qt::SHIFT + Qt::Key_G},
+        [this]
+        {
+            Settings::annotationGhostNext = !Settings::annotationGhostNext;
+            PresentOverlays();
+            mViewer->RefreshAll();
+        },
+        [] { return Settings::annotationGhostNext; });
+}
+
+void PlayerWindow::AddBookmarkCommands(std::vector<Command>& commands)
+{
+    const auto add =
+        [&](const char* name, const QString& text, std::initializer_list<int> keys, std::function<void()> run)
+    {
+        commands.push_back(
+            {QLatin1String(name), text, QStringLiteral("bookmarks"), Keys(keys), std::move(run), {}});
+    };
+    add("bookmark.frame", tr("&Mark Frame"), {Qt::Key_B}, [this] { ToggleTimeBookmark(); });
+    add("bookmark.range", tr("Mark &Range"), {Qt::SHIFT + Qt::Key_B}, [this] { ToggleRangeBookmark(); });
+    add("bookmark.next", tr("|&Next Bookmark"), {Qt::CTRL + Qt::Key_Right}, [this] { GoToBookmark(1); });
+    add("bookmark.previous", tr("&Previous Bookmark"), {Qt::CTRL + Qt::Key_Left},
+        [this] { GoToBookmark(-1); });
+    add("range.start", tr("|Range &Starts Here"), {Qt::Key_I},
+        [this]
+        {
+            if (const std::shared_ptr<MediaTimeline>& timeline = mPlayback->LeadingTimeline())
+                mPlayback->SetRange(
+                    mPlayback->CurrentTime(),
+                    timeline->FrameToTime(std::max(mPlayback->Range().last, mPlayback->CurrentFrame())));
+        });
+    add("range.end", tr("Range &Ends Here"), {Qt::Key_O},
+        [this]
+        {
+            if (const std::shared_ptr<MediaTimeline>& timeline = mPlayback->LeadingTimeline())
+                mPlayback->SetRange(
+                    timeline->FrameToTime(std::min(mPlayback->Range().first, mPlayback->CurrentFrame())),
+                    mPlayback->CurrentTime());
+        });
+    add("range.reset", tr("W&hole Range"), {Qt::Key_Backslash},
+        [this]
+        {
+            if (const std::shared_ptr<MediaTimeline>& timeline = mPlayback->LeadingTimeline())
+                mPlayback->SetRange(timeline->GetStartTime(), timeline->GetEndTime());
+        });
+}
+
+void PlayerWindow::ToggleTimeBookmark()
+{
+    if (const std::shared_ptr<MediaTimeline>& timeline = mPlayback->LeadingTimeline())
+        timeline->ToggleBookmark(mPlayback->CurrentFrame());
+    mTimelines->UpdateBookmarks();
+}
+
+void PlayerWindow::ToggleRangeBookmark()
+{
+    const std::shared_ptr<MediaTimeline>& timeline = mPlayback->LeadingTimeline();
+    if (!timeline)
+        return;
+    const int64_t start = timeline->FrameToTime(mPlayback->Range().first);
+    const int64_t end = timeline->FrameToTime(mPlayback->Range().last);
+    if (!timeline->GetBookmarks()->RemoveRangeBookmark(start, end))
+        timeline->GetBookmarks()->AddRangeBookmark(RangeBookmark(start, end));
+    mTimelines->UpdateBookmarks();
+}
+
+void PlayerWindow::GoToBookmark(int direction)
+{
+    const std::shared_ptr<MediaTimeline>& timeline = mPlayback->LeadingTimeline();
+    if (!timeline)
+        return;
+    const int frame = timeline->NextBookmarkedFrame(mPlayback->CurrentFrame(), direction);
+    if (frame > 0)
+        mPlayback->SeekFrame(frame);
+}
+
+void PlayerWindow::StepSeconds(int seconds)
+{
+    if (const std::shared_ptr<MediaTimeline>& timeline = mPlayback->LeadingTimeline())
+        mPlayback->Step(seconds * qRound(timeline->Info().frameRate.PerSecond()));
+}

@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+#include "window/TimelineBinding.h"
+
+#include "media/FrameLoader.h"
+#include "playback/PlaybackController.h"
+#include "project/MediaTimeline.h"
+#include "timelines/TimelineWidget.h"
+#include "timelines/UiHelpers.h"
+
+#include <array>
+
+TimelineBinding::TimelineBinding(PlaybackController* playback, FrameLoader* loader, QWidget* timelineParent,
+                                 QObject* parent)
+    : QObject(parent)
+    , mPlayback(playback)
+    , mLoader(loader)
+    , mGlobalTimeline(UiHelpers::CreateGlobalTimeline(timelineParent))
+    , mRangeTimeline(UiHelpers::CreateRangeTimeline(timelineParent))
+{
+    mGlobalTimeline->setObjectName(QStringLiteral("globalTimeline"));
+    mRangeTimeline->setObjectName(QStringLiteral("rangeTimeline"));
+    ConnectTimeline(mGlobalTimeline);
+    ConnectTimeline(mRangeTimeline);
+    connect(mGlobalTimeline, SIGNAL(PositionChangeRequested(bool)), this,
+            SIGNAL(GlobalPositionChangeRequested(bool)));
+    connect(mRangeTimeline, SIGNAL(PositionChangeRequested(bool)), this,
+            SIGNAL(RangePositionChangeRequested(bool)));
+    connect(playback, SIGNAL(LeadingTimelineChanged()), this, SLOT(OnLeadingTimelineChanged()));
+    connect(playback, SIGNAL(SteppedChanged(bool)), this, SLOT(OnSteppedChanged(bool)));
+    connect(loader, SIGNAL(CacheChanged(int)), this, SLOT(UpdateCachedRange()));
+}
+
+void TimelineBinding::ConnectTimeline(TimelineWidget* timeline)
+{
+    connect(timeline, SIGNAL(TimeChangeRequested(int64_t, bool)), this,
+            SLOT(OnTimeChangeRequested(int64_t, bool)));
+    connect(timeline, SIGNAL(RangeChangeRequested(int64_t, int64_t)), mPlayback,
+            SLOT(SetRange(int64_t, int64_t)));
+    connect(timeline, SIGNAL(ScrubStateChanged(bool)), mPlayback, SLOT(SetScrubbing(bool)));
+    connect(mPlayback, SIGNAL(RangeChanged(int64_t, int64_t)), timeline,
+            SLOT(SetPlaybackRange(int64_t, int64_t)));
+    connect(mPlayback, SIGNAL(PlayheadMoved(int64_t)), timeline, SLOT(SetPlaybackTime(int64_t)));
+    connect(mPlayback, SIGNAL(PlayingChanged(bool)), timeline, SLOT(OnPlaybackStateChanaged(bool)));
+    connect(mPlayback, SIGNAL(ActualFrameRateChanged(float)), timeline, SLOT(SetActualFrameRate(float)));
+    connect(mPlayback, SIGNAL(SpeedChanged(float)), timeline, SLOT(SetPlaybackSpeedMultiplier(float)));
+}
+
+TimelineWidget* TimelineBinding::GlobalTimeline() const
+{
+    return mGlobalTimeline;
+}
+
+TimelineWidget* TimelineBinding::RangeTimeline() const
+{
+    return mRangeTimeline;
+}
+
+void TimelineBinding::UpdateBookmarks()
+{
+    mGlobalTimeline->update();
+    mRangeTimeline->update();
+}
+
+void TimelineBinding::OnLeadingTimelineChanged()
+{
+    const std::shared_ptr<MediaTimeline>& lead = mPlayback->LeadingTimeline();
+    for (TimelineWidget* const timeline : {mGlobalTimeline, mRangeTimeline})
+    {
+        timeline->SetTimeline(lead);
+        timeline->SetDesiredFrameRate(lead ? static_cast<float>(lead->Info().frameRate.PerSecond()) : 0.0f);
+    }
+    UpdateCachedRange();
+}
+
+void TimelineBinding::OnTimeChangeRequested(int64_t time, bool audioScrub)
+{
+    // The player has no sound yet.
+    Q_UNUSED(audioScrub)
+    mPlayback->SeekTime(time);
+}
+
+void TimelineBinding::OnSteppedChanged(bool stepped)
+{
+    for (TimelineWidget* const timeline : {mGlobalTimeline, mRangeTimeline})
+    {
+        timeline->SetSteppedPlaybackEnabled(stepped);
+        timeline->update();
+    }
+}
+
+void TimelineBinding::UpdateCachedRange()
+{
+    const std::shared_ptr<MediaTimeline>& lead = mPlayback->LeadingTimeline();
+    if (!lead)
+        return;
+    const int frame = mPlayback->CurrentFrame();
+    const std::map<int, int> ranges = mLoader->CachedRanges(mPlayback->LeadingMedia());
+    // The run of cached frames that the playhead stands in; where it stands in none, the nearest one after
+    // it.
+    auto run = ranges.upper_bound(frame);
+    if (run != ranges.begin() && std::prev(run)->second >= frame)
+        --run;
+    const bool any = run != ranges.end();
+    const int first = any ? run->first : 1;
+    const int last = any ? run->second : 0;
+    for (TimelineWidget* const timeline : {mGlobalTimeline, mRangeTimeline})
+        timeline->SetCachedRange(any ? lead->FrameToTime(first) : 0, any ? lead->FrameToTime(last) : 0);
+}

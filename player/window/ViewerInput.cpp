@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: MIT
+#include "window/ViewerInput.h"
+
+#include "annotation/StrokeController.h"
+#include "host/Settings.h"
+#include "playback/PlaybackController.h"
+#include "viewers/ViewerWidget.h"
+
+#include <QApplication>
+#include <QMouseEvent>
+
+#include <algorithm>
+
+namespace
+{
+
+/// Pixels of mouse movement for one frame, in a medium short enough for that.
+constexpr double PixelsPerFrame = 4.0;
+
+} // namespace
+
+ViewerInput::ViewerInput(ViewerWidget* viewer, StrokeController* strokes, PlaybackController* playback,
+                         QObject* parent)
+    : QObject(parent), mViewer(viewer), mStrokes(strokes), mPlayback(playback)
+{
+    viewer->installEventFilter(this);
+    connect(viewer, SIGNAL(ScrubStateChanged(bool)), this, SLOT(OnScrubStateChanged(bool)));
+}
+
+bool ViewerInput::eventFilter(QObject* watched, QEvent* event)
+{
+    switch (event->type())
+    {
+    case QEvent::MouseButtonPress:
+        Press(*static_cast<QMouseEvent*>(event));
+        break;
+    case QEvent::MouseMove:
+        Move(*static_cast<QMouseEvent*>(event));
+        break;
+    case QEvent::MouseButtonRelease:
+        Release(*static_cast<QMouseEvent*>(event));
+        break;
+    case QEvent::Leave:
+        // The cursor's preview leaves with it.
+        if (Settings::drawEnabled && !mStrokes->IsDrawing())
+            mViewer->RefreshAll();
+        break;
+    default:
+        break;
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+void ViewerInput::Press(const QMouseEvent& event)
+{
+    mPressPos = event.globalPos();
+    Q_EMIT ViewerPressed(mStrokes->ViewerAt(event.globalPos()));
+    if (event.button() != Qt::LeftButton || !Settings::drawEnabled)
+        return;
+    mPlayback->Pause();
+    mStrokes->Press(event.globalPos());
+}
+
+void ViewerInput::Move(const QMouseEvent& event)
+{
+    if (mStrokes->Move(event.globalPos()))
+        return;
+    if (mScrubbing)
+        Scrub(event.globalPos());
+    else if (Settings::drawEnabled && event.buttons() == Qt::NoButton && !mPlayback->IsPlaying())
+        mViewer->RefreshAnnotations();
+}
+
+void ViewerInput::Release(const QMouseEvent& event)
+{
+    if (event.button() == Qt::LeftButton)
+        mStrokes->Release(event.globalPos());
+}
+
+void ViewerInput::OnScrubStateChanged(bool enabled)
+{
+    if (enabled && Settings::drawEnabled)
+        return;
+    if (enabled)
+    {
+        mPressFrame = mPlayback->CurrentFrame();
+        mScrubMoved = false;
+    }
+    mScrubbing = enabled;
+    mPlayback->SetScrubbing(enabled);
+}
+
+void ViewerInput::Scrub(const QPoint& globalPos)
+{
+    const int distance = globalPos.x() - mPressPos.x();
+    // A click is no scrub: the hand may tremble.
+    if (!mScrubMoved && std::abs(distance) < QApplication::startDragDistance())
+        return;
+    mScrubMoved = true;
+    const PlaybackRange& range = mPlayback->Range();
+    const double length = range.last - range.first + 1;
+    const double framesPerPixel = std::max(1.0 / PixelsPerFrame, length / std::max(mViewer->width(), 1));
+    const int frame = range.Clamp(mPressFrame + static_cast<int64_t>(distance * framesPerPixel));
+    if (frame != mPlayback->CurrentFrame())
+        mPlayback->SeekFrame(frame);
+}

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QObject>
+#include <QPoint>
+
+class PlaybackController;
+class QMouseEvent;
+class StrokeController;
+class ViewerWidget;
+
+/// Turns the mouse over the viewers into strokes while drawing is on, and into scrubbing while it is off.
+class ViewerInput : public QObject
+{
+    Q_OBJECT
+
+public:
+    ViewerInput(ViewerWidget* viewer, StrokeController* strokes, PlaybackController* playback,
+                QObject* parent);
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+Q_SIGNALS:
+    /// The user pressed a button over viewer @p viewer.
+    void ViewerPressed(int viewer);
+
+public Q_SLOTS:
+    /// Begins or ends scrubbing, as the viewer reports the left button, unless a stroke is being drawn.
+    void OnScrubStateChanged(bool enabled);
+
+private:
+    void Press(const QMouseEvent& event);
+    void Move(const QMouseEvent& event);
+    void Release(const QMouseEvent& event);
+    void Scrub(const QPoint& globalPos);
+
+    ViewerWidget* mViewer;
+    StrokeController* mStrokes;
+    PlaybackController* mPlayback;
+    bool mScrubbing = false;
+    bool mScrubMoved = false;
+    QPoint mPressPos;
+    int mPressFrame = 1;
+};
