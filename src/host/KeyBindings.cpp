@@ -16,6 +16,9 @@
 namespace
 {
 
+/// So many broken lines are named before the rest is only counted.
+constexpr int MaximumNamedLines = 10;
+
 constexpr char KeyBindingsFileName[] = "keybindings.txt";
 
 constexpr char KeyBindingsRemark[] =
@@ -45,9 +48,26 @@ bool ParseKeys(const QString& text, QKeySequence* keys)
     return true;
 }
 
+/// Whether the file's lines can begin with @p name.
+bool IsWritableName(const QString& name)
+{
+    return !name.isEmpty() && name.trimmed() == name && !name.startsWith(QLatin1Char('#')) &&
+           !name.contains(QLatin1Char('=')) && !name.contains(QLatin1Char('\n'));
+}
+
+/// Whether @p keys can be told from its text: a key without a name of its own can't.
+bool IsWritable(const QKeySequence& keys)
+{
+    QKeySequence read;
+    return ParseKeys(keys.toString(QKeySequence::PortableText).trimmed(), &read) && read == keys;
+}
+
 } // namespace
 
-KeyBindings::KeyBindings(const QList<KeySequence*>& sequences) : mKeySequences(sequences) {}
+KeyBindings::KeyBindings(const QList<KeySequence*>& sequences) : mKeySequences(sequences)
+{
+    mKeySequences.removeAll(nullptr);
+}
 
 KeyBindings::~KeyBindings()
 {
@@ -88,16 +108,18 @@ bool KeyBindings::ReadUserKeyBindings()
         return true;
     if (!file.open(QIODevice::ReadOnly))
     {
-        Logger::GetInstance()->Error(QStringLiteral("The key bindings in %1 can't be read: %2")
-                                         .arg(file.fileName(), file.errorString()));
+        UserFile::SetAside(file.fileName(), file.errorString());
         return false;
     }
-    const QStringList lines = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
+    const QByteArray content = file.readAll();
+    // The size is told, since the text would else end at the first null byte.
+    const QStringList lines = QString::fromUtf8(content.constData(), content.size()).split(QLatin1Char('\n'));
     file.close();
 
     QHash<KeySequence*, QList<QKeySequence>> read;
     QStringList unknownLines;
     QStringList brokenLines;
+    int brokenCount = 0;
     for (int index = 0; index < lines.size(); ++index)
     {
         const QString line = lines[index].trimmed();
@@ -110,7 +132,8 @@ bool KeyBindings::ReadUserKeyBindings()
         QKeySequence keys;
         if (equals < 1 || (!keysText.isEmpty() && !ParseKeys(keysText, &keys)))
         {
-            brokenLines << QStringLiteral("line %1 (\"%2\")").arg(index + 1).arg(line.left(80));
+            if (++brokenCount <= MaximumNamedLines)
+                brokenLines << QStringLiteral("line %1 (\"%2\")").arg(index + 1).arg(line.left(80));
             continue;
         }
         KeySequence* sequence = FindByName(name);
@@ -119,8 +142,10 @@ bool KeyBindings::ReadUserKeyBindings()
         else if (!sequence->permanent)
             read[sequence] << (keysText.isEmpty() ? QKeySequence() : keys);
     }
-    if (!brokenLines.isEmpty())
+    if (brokenCount > 0)
     {
+        if (brokenCount > MaximumNamedLines)
+            brokenLines << QStringLiteral("%1 more").arg(brokenCount - MaximumNamedLines);
         UserFile::SetAside(
             file.fileName(),
             QStringLiteral("there are no key bindings in %1").arg(brokenLines.join(QLatin1String(", "))));
@@ -137,22 +162,34 @@ bool KeyBindings::ReadUserKeyBindings()
 
 void KeyBindings::WriteUserKeyBindings()
 {
+    const QString path = UserKeyBindingsPath();
     QString text = QString::fromLatin1(KeyBindingsRemark);
     for (const KeySequence* sequence : qAsConst(mKeySequences))
     {
         const QList<QKeySequence> current = RealSequences(sequence->currentSequences);
         if (sequence->permanent || current == RealSequences(sequence->defaultSequences))
             continue;
+        if (!IsWritableName(sequence->name))
+        {
+            Logger::GetInstance()->Warning(QStringLiteral("%1 can't hold the shortcuts of the command \"%2\"")
+                                               .arg(path, sequence->name));
+            continue;
+        }
         for (const QKeySequence& keys : current)
-            text +=
-                QStringLiteral("%1 = %2\n").arg(sequence->name, keys.toString(QKeySequence::PortableText));
+        {
+            const QString keysText = keys.toString(QKeySequence::PortableText);
+            if (IsWritable(keys))
+                text += QStringLiteral("%1 = %2\n").arg(sequence->name, keysText);
+            else
+                Logger::GetInstance()->Warning(QStringLiteral("%1 can't hold the shortcut \"%2\" of \"%3\"")
+                                                   .arg(path, keysText, sequence->name));
+        }
         if (current.isEmpty())
             text += QStringLiteral("%1 =\n").arg(sequence->name);
     }
     for (const QString& line : qAsConst(mUnknownLines))
         text += line + QLatin1Char('\n');
 
-    const QString path = UserKeyBindingsPath();
     QDir().mkpath(QFileInfo(path).absolutePath());
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(text.toUtf8()) < 0 || !file.commit())

@@ -35,7 +35,9 @@ struct KeySequence
 class TORVALENCOMMON_EXPORT KeyBindings
 {
 public:
-    /// Takes over the records of @p sequences, in their order; identifiers and names are unique.
+    /// Takes over the records of @p sequences, in their order and without null ones. Identifiers and names
+    /// are unique; a name holds neither "=" nor a line break, doesn't begin with "#", and has no blank at its
+    /// ends, or the command's shortcuts can't be kept.
     explicit KeyBindings(const QList<KeySequence*>& sequences);
     ~KeyBindings();
 
@@ -51,12 +53,13 @@ public:
     void UpdateUserSequences(const QList<KeySequence*>& sequences);
 
     /// Reads the user's file over the current shortcuts. A missing file changes nothing. If any line can't be
-    /// read, the whole file is set aside as a backup, an error names each such line, and nothing changes.
-    /// Lines of commands that the table doesn't know are kept for the next write. Returns whether the file
-    /// was absent or wholly read.
+    /// read, the whole file is set aside as a backup, an error names the first such lines, and nothing
+    /// changes. Lines of commands that the table doesn't know are kept for the next write. Returns whether
+    /// the file was absent or wholly read.
     bool ReadUserKeyBindings();
     /// Writes the user's file, atomically: every command that is not permanent and whose shortcuts differ
-    /// from the default ones. A failure is logged as an error that names the file.
+    /// from the default ones. A name or a key that a line can't hold is reported as a warning and left out; a
+    /// failure is logged as an error that names the file.
     void WriteUserKeyBindings();
 
     /// Path of the user's file; in the user's configuration directory unless SetUserKeyBindingsPath() said

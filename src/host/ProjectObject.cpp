@@ -9,11 +9,12 @@ const int ProjectObjectMetaType =
 
 } // namespace
 
-ProjectObject::ProjectObject(const QUuid& id, const QUuid& parentID)
-    : mID(id)
-    , mParentID(parentID){Q_UNUSED(ProjectObjectMetaType)}
+ProjectObject::ProjectObject(const QUuid& id, const QUuid& parentID) : mID(id), mParentID(parentID)
+{
+    static_cast<void>(ProjectObjectMetaType);
+}
 
-      ProjectObject::~ProjectObject() = default;
+ProjectObject::~ProjectObject() = default;
 
 const QUuid& ProjectObject::GetID() const
 {

@@ -280,13 +280,13 @@ std::vector<SettingRow> MakeSettingRows()
         NumberRow("Viewer/zoomMaximum", &S::zoomMaximum, 1.0f, 64.0f),
         BoolRow("Viewer/panZoomMouseControls", &S::panZoomMouseControls),
         BoolRow("Viewer/doubleClickTogglesPlayback", &S::doubleClickTogglesPlayback),
-        NumberRow("Viewer/viewerLayout", &S::viewerLayout, 0, 2),
+        EnumRow("Viewer/viewerLayout", &S::viewerLayout, 2),
         EnumRow("Viewer/loopType", &S::loopType, PingPong),
 
         NumberRow("Timelines/timelineUpdateInterval", &S::timelineUpdateInterval, 1, 1000),
         BoolRow("Timelines/audioScrub", &S::audioScrub),
-        NumberRow("Timelines/globalTimelineDisplayType", &S::globalTimelineDisplayType, 0, 3),
-        NumberRow("Timelines/rangeTimelineDisplayType", &S::rangeTimelineDisplayType, 0, 3),
+        EnumRow("Timelines/globalTimelineDisplayType", &S::globalTimelineDisplayType, 3),
+        EnumRow("Timelines/rangeTimelineDisplayType", &S::rangeTimelineDisplayType, 3),
         BoolRow("Timelines/globalTimelineAtTop", &S::globalTimelineAtTop),
         BoolRow("Timelines/rangeTimelineAtTop", &S::rangeTimelineAtTop),
         BoolRow("Timelines/globalTimelineShowTimeBookmarks", &S::globalTimelineShowTimeBookmarks),
@@ -329,7 +329,7 @@ std::vector<SettingRow> MakeSettingRows()
         TextRow("Application/globalSourceRootDirectory", &S::globalSourceRootDirectory),
         NumberRow("Application/globalImageSequenceFrameRate", &S::globalImageSequenceFrameRate, 1.0, 60.0),
         NumberRow("Application/cmdPort", &S::cmdPort, 0, 65535),
-        NumberRow("Application/consoleShowOnType", &S::consoleShowOnType, 0, 4),
+        EnumRow("Application/consoleShowOnType", &S::consoleShowOnType, 4),
         BytesRow("Application/consoleWindowGeometry", &S::consoleWindowGeometry),
     };
 }
@@ -342,6 +342,24 @@ QString& ConfigPath()
 {
     static QString path;
     return path;
+}
+
+/// Whether the file at @p path is an INI file throughout; one that is not is set aside.
+bool IsWhole(const QString& path)
+{
+    QSettings::Status status = QSettings::NoError;
+    {
+        QSettings file(path, QSettings::IniFormat);
+        file.setIniCodec("UTF-8");
+        // A section is parsed when it is first asked for: only now does the status speak for all of them.
+        file.allKeys();
+        status = file.status();
+    }
+    if (status == QSettings::NoError)
+        return true;
+    UserFile::SetAside(path, status == QSettings::FormatError ? QStringLiteral("it is no settings file")
+                                                              : QStringLiteral("it can't be read"));
+    return false;
 }
 
 } // namespace
@@ -367,38 +385,32 @@ bool Settings::ReadUserConfig()
     const QString path = UserConfigPath();
     if (!QFileInfo::exists(path))
         return true;
-    QSettings::Status status = QSettings::NoError;
+    if (!IsWhole(path))
+        return false;
+    QSettings file(path, QSettings::IniFormat);
+    file.setIniCodec("UTF-8");
     bool clean = true;
+    for (const SettingRow& row : SettingRows)
     {
-        QSettings file(path, QSettings::IniFormat);
-        file.setIniCodec("UTF-8");
-        status = file.status();
-        if (status == QSettings::NoError)
-        {
-            for (const SettingRow& row : SettingRows)
-            {
-                if (!row.key || !file.contains(QLatin1String(row.key)))
-                    continue;
-                const QString complaint = row.take(file.value(QLatin1String(row.key)));
-                if (complaint.isEmpty())
-                    continue;
-                clean = false;
-                Logger::GetInstance()->Warning(
-                    QStringLiteral("%1: %2: %3").arg(path, QLatin1String(row.key), complaint));
-            }
-        }
+        if (!row.key || !file.contains(QLatin1String(row.key)))
+            continue;
+        const QString complaint = row.take(file.value(QLatin1String(row.key)));
+        if (complaint.isEmpty())
+            continue;
+        clean = false;
+        Logger::GetInstance()->Warning(
+            QStringLiteral("%1: %2: %3").arg(path, QLatin1String(row.key), complaint));
     }
-    if (status == QSettings::NoError)
-        return clean;
-    UserFile::SetAside(path, status == QSettings::FormatError ? QStringLiteral("it is no settings file")
-                                                              : QStringLiteral("it can't be read"));
-    return false;
+    return clean;
 }
 
 void Settings::WriteUserConfig()
 {
     const QString path = UserConfigPath();
     QDir().mkpath(QFileInfo(path).absolutePath());
+    // A file that was broken by hand since it was read would be lost.
+    if (QFileInfo(path).isFile())
+        IsWhole(path);
     QSettings file(path, QSettings::IniFormat);
     file.setIniCodec("UTF-8");
     for (const SettingRow& row : SettingRows)

@@ -26,12 +26,13 @@ public:
     // Configuration file
 
     /// Reads the user's INI file over the current values. A missing file changes nothing. A value of the
-    /// wrong kind is reported as a warning and skipped; a number out of range is reported and clamped. A file
-    /// that can't be parsed is moved to a backup beside it, reported as an error, and changes nothing.
-    /// Returns whether the file was absent or read without a complaint.
+    /// wrong kind and a choice that there isn't are reported as warnings and skipped; a number out of range
+    /// is reported and clamped. A file that can't be parsed is moved to a backup beside it, reported as an
+    /// error, and changes nothing. Returns whether the file was absent or read without a complaint.
     static bool ReadUserConfig();
-    /// Writes every persistent setting to the user's INI file, atomically; keys that are not ours survive. A
-    /// failure is reported as an error that names the file.
+    /// Writes every persistent setting to the user's INI file, atomically; keys that are not ours survive,
+    /// and a file that can't be parsed is kept as ReadUserConfig() tells. A failure is reported as an error
+    /// that names the file.
     static void WriteUserConfig();
     /// Path of the INI file; in the user's configuration directory unless SetUserConfigPath() said otherwise.
     static QString UserConfigPath();

@@ -5,6 +5,7 @@
 #include "host/Settings.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QStandardPaths>
 
 namespace UserFile
@@ -22,7 +23,7 @@ QString SetAside(const QString& path, const QString& reason)
     QString backup = path + QLatin1String(".bak");
     for (int number = 2; QFile::exists(backup); ++number)
         backup = QStringLiteral("%1.bak%2").arg(path).arg(number);
-    if (QFile::rename(path, backup) || QFile::copy(path, backup))
+    if (!QFileInfo(path).isDir() && (QFile::rename(path, backup) || QFile::copy(path, backup)))
     {
         Logger::GetInstance()->Error(
             QStringLiteral("%1 is left out: %2. It is kept as %3.").arg(path, reason, backup));
