@@ -75,7 +75,8 @@ public:
         , mHeight(height)
         , mWidgetWidth(widgetWidth)
         , mColors{plainColor, annotatedColor}
-        , mStamps(PaintsWholePixels(painter) && painter->deviceTransform().type() <= QTransform::TxTranslate)
+        , mStamps(height > 0 && PaintsWholePixels(painter) &&
+                  painter->deviceTransform().type() <= QTransform::TxTranslate)
     {
     }
 
