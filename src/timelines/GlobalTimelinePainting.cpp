@@ -50,15 +50,23 @@ void FillSpanBetween(QPainter* painter, int left, int top, int right, int height
     painter->fillRect(QRectF(x, top, std::clamp(right, -reach, reach) - x, height), color);
 }
 
-/// Whether a fill at whole coordinates covers whole pixels. What is opaque then hides all below it, and a
-/// fill that nobody sees may be left out without changing a bit of the picture.
-bool PaintsWholePixels(const QPainter* painter)
+/// Whether a fill at whole coordinates within @p area, the widget's rectangle, covers whole pixels. What is
+/// opaque then hides all below it, and a fill that nobody sees may be left out without changing a bit of the
+/// picture.
+///
+/// A fill that is cut by the device's edge or a clip does not count: the rasteriser may leave its last pixel
+/// a shade short of opaque.
+bool PaintsWholePixels(const QPainter* painter, const QRect& area)
 {
     const auto isWhole = [](qreal value) { return value == std::floor(value); };
     const QTransform transform = painter->deviceTransform();
-    return painter->paintEngine()->type() == QPaintEngine::Raster &&
-           transform.type() <= QTransform::TxScale && isWhole(transform.m11()) && isWhole(transform.m22()) &&
-           isWhole(transform.dx()) && isWhole(transform.dy());
+    if (painter->paintEngine()->type() != QPaintEngine::Raster || painter->device()->depth() < 24 ||
+        painter->hasClipping() || transform.type() > QTransform::TxScale || !isWhole(transform.m11()) ||
+        !isWhole(transform.m22()) || !isWhole(transform.dx()) || !isWhole(transform.dy()))
+        return false;
+    const QRegion exposed = painter->paintEngine()->systemClip();
+    return exposed.isEmpty() ||
+           (exposed.rectCount() == 1 && exposed.boundingRect().contains(transform.mapRect(area)));
 }
 
 /// Draws the flags of frame bookmarks: a line one pixel wide and a triangle that points down onto it.
@@ -69,20 +77,20 @@ class FlagPainter
 {
 public:
     FlagPainter(QPainter* painter, int top, int height, const QColor& plainColor,
-                const QColor& annotatedColor, int widgetWidth)
+                const QColor& annotatedColor, const QRect& area)
         : mPainter(painter)
         , mTop(top)
         , mHeight(height)
-        , mWidgetWidth(widgetWidth)
+        , mArea(area)
         , mColors{plainColor, annotatedColor}
-        , mStamps(height > 0 && PaintsWholePixels(painter) &&
+        , mStamps(height > 0 && PaintsWholePixels(painter, area) &&
                   painter->deviceTransform().type() <= QTransform::TxTranslate)
     {
     }
 
     void Draw(int x, bool annotated)
     {
-        if (mStamps && x >= HalfWidth && x <= mWidgetWidth - HalfWidth - 1)
+        if (mStamps && x >= HalfWidth && x < mArea.width() - HalfWidth)
             mPainter->drawImage(QPoint(x - HalfWidth, mTop - Rise), Stamp(annotated));
         else
             DrawShape(mPainter, x, mTop, mColors[annotated]);
@@ -115,7 +123,7 @@ private:
     QPainter* const mPainter;
     const int mTop;
     const int mHeight;
-    const int mWidgetWidth;
+    const QRect mArea;
     const QColor mColors[2];
     const bool mStamps;
     QImage mImages[2];
@@ -228,7 +236,7 @@ void GlobalTimelineWidget::FillOverlapping(QPainter* painter, const std::vector<
     constexpr int settled = 16;
     const bool isInside = std::all_of(spans.begin(), spans.end(),
                                       [this](const auto& span) { return IsInside(span.first, span.second); });
-    if (!PaintsWholePixels(painter) || !isInside || spans.size() < settled)
+    if (!PaintsWholePixels(painter, rect()) || !isInside || spans.size() < settled)
     {
         for (const auto& [left, right] : spans)
             FillSpan(painter, left, top, right, height, color);
@@ -275,7 +283,7 @@ void GlobalTimelineWidget::DrawBookmarkFlags(QPainter* painter, int64_t firstTim
     const QList<TimeBookmark> bookmarks =
         owner != nullptr ? owner->GetTimeBookmarks() : QList<TimeBookmark>();
     // Of bookmarks that follow each other on one pixel only the first is drawn, and it decides the colour.
-    FlagPainter flags(painter, mPlayheadY, PlayheadHeight(), plainColor, annotatedColor, width());
+    FlagPainter flags(painter, mPlayheadY, PlayheadHeight(), plainColor, annotatedColor, rect());
     int lastX = -1;
     for (const TimeBookmark& bookmark : bookmarks)
     {
@@ -434,7 +442,7 @@ void GlobalTimelineWidget::FillStretches(QPainter* painter, const std::vector<in
 {
     const auto color = [&](size_t index) { return index % 2 == 0 ? evenColor : oddColor; };
     const auto [first, last] = std::minmax_element(lefts.begin(), lefts.end());
-    if (!PaintsWholePixels(painter) || !IsInside(*first, right) || !IsInside(*last, right) ||
+    if (!PaintsWholePixels(painter, rect()) || !IsInside(*first, right) || !IsInside(*last, right) ||
         evenColor.alpha() < 255 || oddColor.alpha() < 255)
     {
         for (size_t i = 0; i < lefts.size(); ++i)

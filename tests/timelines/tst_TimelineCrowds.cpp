@@ -23,6 +23,7 @@ private Q_SLOTS:
     void RangeBookmarksAddUpUntilTheirColourSettles();
     void ElementsOutOfOrderKeepTheLastOnTop();
     void TranslucentElementColoursAddUp();
+    void PartOfAWidgetIsPaintedLikeTheWhole();
 
 private:
     static QByteArray Difference(GlobalProbe& probe, const TimelineState& state, QImage::Format format);
@@ -154,6 +155,26 @@ void tst_TimelineCrowds::TranslucentElementColoursAddUp()
     painter.end();
     for (int x = 130; x < 310; ++x)
         QCOMPARE(picture.pixelColor(x, 32), row.pixelColor(x, 0));
+}
+
+void tst_TimelineCrowds::PartOfAWidgetIsPaintedLikeTheWhole()
+{
+    QRandomGenerator random(3);
+    TimelineState state = Crowd(2000, random);
+    state.width = 900;
+    GlobalProbe probe;
+    probe.resize(900, 40);
+    ApplyTimelineState(&probe, state);
+    const QImage whole = GlobalTimelinePicture(state, probe.font(), QImage::Format_RGB32);
+    for (const QRect part : {QRect(0, 0, 300, 40), QRect(333, 0, 250, 40), QRect(150, 25, 600, 8)})
+    {
+        QImage actual(900, 40, QImage::Format_RGB32);
+        actual.fill(Qt::black);
+        probe.render(&actual, part.topLeft(), part, QWidget::RenderFlags());
+        // A fill that a clip cuts may lie a shade beside the uncut one.
+        const QByteArray difference = PictureDifference(actual.copy(part), whole.copy(part), 1);
+        QVERIFY2(difference.isEmpty(), difference);
+    }
 }
 
 static const TestRegistration<tst_TimelineCrowds> TimelineCrowdsRegistration;
