@@ -14,6 +14,9 @@ class RangeTimelineWidget : public GlobalTimelineWidget
 public:
     explicit RangeTimelineWidget(QWidget* parent = nullptr);
 
+    // The override below would hide the slot of the menu.
+    using GlobalTimelineWidget::SetDisplayType;
+
 public Q_SLOTS:
     void SetDisplayType(TimelineDisplayType displayType) override;
     void ShowTimeBookmarks(bool show) override;
@@ -21,9 +24,6 @@ public Q_SLOTS:
     void ShowRangeBookmarks(bool show) override;
     void ShowCache(bool show) override;
     bool ShowRangeBookmarksInMenu() override;
-
-public:
-    using GlobalTimelineWidget::SetDisplayType;
 
 protected:
     void UpdateMenuActions(int x) override;

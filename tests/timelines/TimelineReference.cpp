@@ -21,11 +21,12 @@ public:
     ReferencePainter(const TimelineState& s, bool range, const QFont& font, QImage::Format format)
         : mS(s)
         , mRange(range)
-        , mImage(s.width, range ? 46 : 40, format)
-        , mP(&mImage)
+        , mImage(QSize(s.width, range ? 46 : 40) * s.pixelRatio, format)
         , mMargin(range ? 50 : 100)
         , mBar(s.width - 2 * mMargin)
     {
+        mImage.setDevicePixelRatio(s.pixelRatio);
+        mP.begin(&mImage);
         mP.setFont(font);
         if (mS.timeline && !mS.timeline->elements.isEmpty())
         {

@@ -17,6 +17,8 @@ class TimelineWidget;
 struct TimelineState
 {
     int width = 800;
+    /// Device pixels for one pixel.
+    double pixelRatio = 1.0;
     /// Empty for a widget without a timeline.
     std::shared_ptr<FakeTimeline> timeline;
     int64_t rangeStart = 0;

@@ -320,7 +320,7 @@ void tst_TimelinePainting::HugeFramesAndTimesPaint()
         TimelineState state = HundredFrames(600);
         state.timeline->elements[1].startFrame = huge;
         state.timeline->elements[2].frameCount = huge;
-        state.timeline->timeToFrame = [huge](int64_t time) { return time % 2 == 0 ? huge : -huge / 3; };
+        state.timeline->timeToFrame = [huge](int64_t time) { return time % 2 == 0 ? huge : -(huge / 3); };
         state.timeline->frameToTime = [huge](int) { return huge > 0 ? INT64_MAX : INT64_MIN; };
         state.timeline->Mark(3, true);
         state.timeline->Mark(4, false);
@@ -336,8 +336,23 @@ void tst_TimelinePainting::HugeFramesAndTimesPaint()
                 RangeProbe range;
                 QCOMPARE(Picture(global, state).height(), 40);
                 QCOMPARE(Picture(range, state).height(), 46);
+                for (GlobalTimelineWidget* widget : {static_cast<GlobalTimelineWidget*>(&global),
+                                                     static_cast<GlobalTimelineWidget*>(&range)})
+                    for (const QPoint from :
+                         {QPoint(300, 10), QPoint(300, 30), QPoint(10, 30), QPoint(590, 30)})
+                    {
+                        QTest::mousePress(widget, Qt::LeftButton, {}, from);
+                        QMouseEvent move(QEvent::MouseMove, from + QPoint(50, 0), QPoint(5000, 10),
+                                         Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+                        QApplication::sendEvent(widget, &move);
+                        QTest::mouseRelease(widget, Qt::LeftButton, {}, from);
+                        widget->SetRangeStartToPosition();
+                        widget->SetRangeEndToPosition();
+                    }
+                global.mDraggingRange = true;
                 global.DragRange(QPoint(300, 10), true, true, true);
                 global.UpdateMenuActions(300);
+                range.UpdateMenuActions(300);
                 QCOMPARE(global.GetPlaybackTimeAtOffset(huge), state.timeline->frameToTime(0));
             }
     }
