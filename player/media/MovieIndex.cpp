@@ -33,6 +33,26 @@ bool ForEachPacket(AVFormatContext* format, int streamIndex, const CancelToken& 
     return false;
 }
 
+/// A number that says what the packet's bytes are, from its ends and its size.
+int64_t ContentOf(const AVPacket& packet)
+{
+    constexpr int edge = 96;
+    uint64_t hash = 14695981039346656037ULL ^ uint64_t(packet.size);
+    const auto add = [&](int begin, int end)
+    {
+        for (int i = begin; i < end; ++i)
+            hash = (hash ^ packet.data[i]) * 1099511628211ULL;
+    };
+    add(0, std::min(packet.size, edge));
+    add(std::max(packet.size - edge, 0), packet.size);
+    return int64_t(hash >> 1);
+}
+
+MovieIndex::Packet PacketOf(const AVPacket& packet)
+{
+    return {packet.pts, packet.dts, packet.pos, ContentOf(packet), 0, (packet.flags & AV_PKT_FLAG_KEY) != 0};
+}
+
 bool IsUnique(std::vector<std::pair<int64_t, int>>& entries)
 {
     std::sort(entries.begin(), entries.end());
@@ -56,16 +76,16 @@ bool MovieIndex::Build(AVFormatContext* format, int streamIndex, const CancelTok
     const AVStream* const stream = format->streams[streamIndex];
     const AVCodecID codec = stream->codecpar->codec_id;
     bool hasAllTimes = true;
-    const bool finished =
-        ForEachPacket(format, streamIndex, cancel,
-                      [&](const AVPacket& packet)
-                      {
-                          const bool isShown = (packet.flags & AV_PKT_FLAG_DISCARD) == 0 &&
-                                               StreamPictures::IsShown(codec, packet.data, packet.size);
-                          hasAllTimes = hasAllTimes && (!isShown || packet.pts != NoTime);
-                          mPackets.push_back({packet.pts, packet.dts, packet.pos, isShown ? 1 : 0,
-                                              (packet.flags & AV_PKT_FLAG_KEY) != 0});
-                      });
+    const bool finished = ForEachPacket(format, streamIndex, cancel,
+                                        [&](const AVPacket& packet)
+                                        {
+                                            const bool isShown =
+                                                (packet.flags & AV_PKT_FLAG_DISCARD) == 0 &&
+                                                StreamPictures::IsShown(codec, packet.data, packet.size);
+                                            hasAllTimes = hasAllTimes && (!isShown || packet.pts != NoTime);
+                                            mPackets.push_back(PacketOf(packet));
+                                            mPackets.back().frame = isShown ? 1 : 0;
+                                        });
     if (!finished)
         return false;
     for (int i = 0; i < PacketCount(); ++i)
@@ -94,10 +114,15 @@ bool MovieIndex::AssignOrder(AVFormatContext* format, int streamIndex, const Can
         return true;
     parser->flags |= PARSER_FLAG_COMPLETE_FRAMES;
 
-    // The picture order count starts anew at some key pictures; groups keep those apart.
+    const bool hasOrderCount =
+        stream->codecpar->codec_id == AV_CODEC_ID_H264 || stream->codecpar->codec_id == AV_CODEC_ID_HEVC;
     std::vector<int64_t> order;
+    // The picture order count starts anew at some key pictures; groups keep those apart.
     int64_t group = 0;
     int64_t highest = INT64_MIN;
+    // Without one, a picture that others refer to is shown when the next such picture comes.
+    int64_t shown = 0;
+    int waiting = -1;
     const bool finished =
         ForEachPacket(format, streamIndex, cancel,
                       [&](const AVPacket& packet)
@@ -106,15 +131,31 @@ bool MovieIndex::AssignOrder(AVFormatContext* format, int streamIndex, const Can
                           int outSize = 0;
                           av_parser_parse2(parser.get(), context.get(), &out, &outSize, packet.data,
                                            packet.size, packet.pts, packet.dts, packet.pos);
-                          const int64_t count = parser->output_picture_number;
-                          if (parser->key_frame == 1 && count < highest)
+                          order.push_back(0);
+                          if (hasOrderCount)
                           {
-                              ++group;
-                              highest = INT64_MIN;
+                              const int64_t count = parser->output_picture_number;
+                              if (parser->key_frame == 1 && count < highest)
+                              {
+                                  ++group;
+                                  highest = INT64_MIN;
+                              }
+                              highest = std::max(highest, count);
+                              order.back() = group * (int64_t(1) << 32) + count;
                           }
-                          highest = std::max(highest, count);
-                          order.push_back((group << 32) + count);
+                          else if (parser->pict_type == AV_PICTURE_TYPE_B)
+                          {
+                              order.back() = ++shown;
+                          }
+                          else
+                          {
+                              if (waiting >= 0)
+                                  order[size_t(waiting)] = ++shown;
+                              waiting = int(order.size()) - 1;
+                          }
                       });
+    if (waiting >= 0)
+        order[size_t(waiting)] = ++shown;
     if (!finished)
         return false;
     if (order.size() == mPackets.size())
@@ -134,42 +175,60 @@ void MovieIndex::NumberFrames(const std::vector<int64_t>& order)
         mPackets[size_t(PacketOfFrame(frame))].frame = frame;
 }
 
-int64_t MovieIndex::IdentityOf(int64_t pts, int64_t dts, int64_t position) const
+int64_t MovieIndex::IdentityOf(const Packet& packet) const
 {
     switch (mIdentity)
     {
     case Identity::Pts:
-        return pts;
+        return packet.pts;
     case Identity::Position:
-        return position;
-    case Identity::Dts:
+        return packet.position;
+    case Identity::Content:
         break;
     }
-    return dts;
+    return packet.content;
 }
 
 void MovieIndex::ChooseIdentity()
 {
-    // Times first: after a seek they are what every container repeats. The last choice stays, unique or not.
-    for (const Identity identity : {Identity::Pts, Identity::Position, Identity::Dts})
+    // Times that the container wrote are the same after a seek, those that the library fills in are not: a
+    // stream without all presentation times is known by where its packets lie or, at last, by what they hold.
+    for (const Identity identity : {Identity::Pts, Identity::Position, Identity::Content})
     {
         mIdentity = identity;
         mByIdentity.clear();
+        bool isComplete = true;
         for (int i = 0; i < PacketCount(); ++i)
-            mByIdentity.emplace_back(IdentityOf(At(i).pts, At(i).dts, At(i).position), i);
-        if (IsUnique(mByIdentity))
+        {
+            isComplete = isComplete && IdentityOf(At(i)) != NoTime && IdentityOf(At(i)) != -1;
+            mByIdentity.emplace_back(IdentityOf(At(i)), i);
+        }
+        if (IsUnique(mByIdentity) && (isComplete || identity == Identity::Content))
             return;
     }
 }
 
 int MovieIndex::Find(const AVPacket& packet, int expected) const
 {
-    const int64_t identity = IdentityOf(packet.pts, packet.dts, packet.pos);
-    const auto matches = [&](int i) { return IdentityOf(At(i).pts, At(i).dts, At(i).position) == identity; };
-    if (expected >= 0 && expected < PacketCount() && matches(expected))
+    const Packet wanted = PacketOf(packet);
+    const int64_t identity = IdentityOf(wanted);
+    if (expected >= 0 && expected < PacketCount() && IdentityOf(At(expected)) == identity)
         return expected;
-    const auto found = std::lower_bound(mByIdentity.begin(), mByIdentity.end(), std::make_pair(identity, 0));
-    return found != mByIdentity.end() && found->first == identity ? found->second : -1;
+    // Packets that hold the same are told apart by their times.
+    int best = -1;
+    uint64_t bestDistance = UINT64_MAX;
+    for (auto found = std::lower_bound(mByIdentity.begin(), mByIdentity.end(), std::make_pair(identity, 0));
+         found != mByIdentity.end() && found->first == identity; ++found)
+    {
+        const uint64_t a = uint64_t(At(found->second).dts);
+        const uint64_t b = uint64_t(wanted.dts);
+        const uint64_t distance = int64_t(a) > int64_t(b) ? a - b : b - a;
+        if (best >= 0 && distance >= bestDistance)
+            continue;
+        best = found->second;
+        bestDistance = distance;
+    }
+    return best;
 }
 
 int MovieIndex::StartPacket(int frame, int earlier) const

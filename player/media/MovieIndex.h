@@ -21,6 +21,8 @@ public:
         int64_t pts;
         int64_t dts;
         int64_t position;
+        /// A hash of its bytes.
+        int64_t content;
         /// 1-based; 0 for a picture that is not shown.
         int frame;
         bool isKey;
@@ -63,14 +65,15 @@ public:
     int64_t FirstTime() const;
 
 private:
+    /// What a packet is known by after a seek.
     enum class Identity
     {
         Pts,
         Position,
-        Dts
+        Content
     };
 
-    int64_t IdentityOf(int64_t pts, int64_t dts, int64_t position) const;
+    int64_t IdentityOf(const Packet& packet) const;
     void ChooseIdentity();
     void NumberFrames(const std::vector<int64_t>& order);
 

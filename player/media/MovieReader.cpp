@@ -19,6 +19,11 @@ constexpr int SeekAttempts = 6;
 // How many packets of unknown times may come after a seek before it counts as failed.
 constexpr int MaximumStrangers = 64;
 
+bool IsDamaged(const AVFrame& picture)
+{
+    return (picture.flags & AV_FRAME_FLAG_CORRUPT) != 0 || picture.decode_error_flags != 0;
+}
+
 } // namespace
 
 MovieReader::MovieReader(const MediaOptions& options)
@@ -47,9 +52,13 @@ DecodedFrame MovieReader::DecodeFrame(int frame, const CancelToken& cancel)
     mLastError.clear();
     if (mAbsentAfter > 0 && frame > mAbsentAfter && frame < mPictureFrame)
         return Answer(frame, Outcome::Absent);
-    if (CanReadOn(frame))
-        return Answer(frame, ReadUntil(frame, cancel));
     Outcome outcome = Outcome::Absent;
+    if (CanReadOn(frame))
+    {
+        outcome = ReadUntil(frame, cancel);
+        if (outcome == Outcome::Whole || outcome == Outcome::Cancelled || mIsProven)
+            return Answer(frame, outcome);
+    }
     int tried = mIndex.PacketCount();
     for (int retry = 0; retry <= MaximumRetries; ++retry)
     {
@@ -117,6 +126,7 @@ bool MovieReader::ReceivePicture()
     // A picture without a number is one of no packet of ours.
     if (mPicture->pts > 0 && mPicture->pts <= mInfo.frameCount)
         mPictureFrame = int(mPicture->pts);
+    mIsProven = mIsProven || !IsDamaged(*mPicture);
     return true;
 }
 
@@ -178,6 +188,7 @@ bool MovieReader::SeekTo(int packet)
     mPictureFrame = 0;
     mAbsentAfter = 0;
     mSkippedBelow = 0;
+    mIsProven = false;
     mFirstPacket = packet;
     // Containers seek by rules of their own; what counts is the packet that comes then.
     for (int attempt = 0; attempt < SeekAttempts; ++attempt)

@@ -89,6 +89,8 @@ private:
     /// mPacket holds one that the decoder has not taken yet.
     bool mHasPacket = false;
     bool mDrained = false;
+    /// A whole picture came out since the last seek, so it went to a true key picture.
+    bool mIsProven = false;
     bool mIsIntraOnly = false;
     bool mCanSkip = false;
     QString mLastError;
