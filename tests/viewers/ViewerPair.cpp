@@ -10,11 +10,7 @@
 namespace
 {
 
-/// Qt blends rows in blocks that start at aligned addresses, and rounds the pixels before and after them
-/// otherwise. Twice, since a ghost is blended onto the overlay and the overlay onto the picture.
-constexpr int BlendTolerance = 2;
-
-QByteArray ImageDifference(const char* name, const QImage& actual, const QImage& expected)
+QByteArray ImageDifference(const char* name, const QImage& actual, const QImage& expected, int tolerance)
 {
     if (actual.isNull() && expected.isNull())
         return {};
@@ -22,7 +18,7 @@ QByteArray ImageDifference(const char* name, const QImage& actual, const QImage&
         return QByteArray(name) + (actual.isNull() ? " is null" : " is not null");
     if (actual.format() != expected.format())
         return QByteArray(name) + " has another format";
-    const QByteArray difference = PictureDifference(actual, expected, BlendTolerance);
+    const QByteArray difference = PictureDifference(actual, expected, tolerance);
     return difference.isEmpty() ? QByteArray() : QByteArray(name) + ": " + difference;
 }
 
@@ -137,16 +133,16 @@ QImage ViewerPair::PaintViewer()
     return canvas;
 }
 
-QByteArray ViewerPair::Paint()
+QByteArray ViewerPair::Paint(int tolerance)
 {
     const bool control = QGuiApplication::queryKeyboardModifiers() & Qt::ControlModifier;
     if (control != model.control)
         return "Ctrl is not as the test set it";
-    const QByteArray picture = ImageDifference("the picture", PaintViewer(), model.Paint());
-    return picture.isEmpty() ? StateDifference() : picture;
+    const QByteArray picture = ImageDifference("the picture", PaintViewer(), model.Paint(), tolerance);
+    return picture.isEmpty() ? StateDifference(tolerance) : picture;
 }
 
-QByteArray ViewerPair::StateDifference() const
+QByteArray ViewerPair::StateDifference(int tolerance) const
 {
     const auto differs = [](const char* name, int actual, int expected)
     {
@@ -165,9 +161,10 @@ QByteArray ViewerPair::StateDifference() const
     texts << differs("annotationsOnly", viewer->mAnnotationsOnly, model.annotationsOnly);
     texts << differs("GetImageDisplayWidth()", viewer->GetImageDisplayWidth(), model.imageDisplay.width());
     texts << differs("GetImageDisplayHeight()", viewer->GetImageDisplayHeight(), model.imageDisplay.height());
-    texts << ImageDifference("lastImage", viewer->mLastImage, model.stored);
-    texts << ImageDifference("annotationImage", viewer->mAnnotationImage, model.overlay);
-    texts << ImageDifference("annotationScratchImage", viewer->mAnnotationScratchImage, model.scratch);
+    texts << ImageDifference("lastImage", viewer->mLastImage, model.stored, tolerance);
+    texts << ImageDifference("annotationImage", viewer->mAnnotationImage, model.overlay, tolerance);
+    texts << ImageDifference("annotationScratchImage", viewer->mAnnotationScratchImage, model.scratch,
+                             tolerance);
     for (const QByteArray& text : texts)
     {
         if (!text.isEmpty())
