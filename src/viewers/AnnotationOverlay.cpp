@@ -63,6 +63,7 @@ public:
     void SetClip(const QRect& clip)
     {
         mClip = clip;
+        mClipped = true;
         if (mPainter.isActive())
             mPainter.setClipRect(clip, Qt::ReplaceClip);
     }
@@ -73,7 +74,7 @@ public:
         {
             mPainter.begin(&mImage);
             mPainter.setRenderHints(OverlayRenderHints);
-            if (mClip.isValid())
+            if (mClipped)
                 mPainter.setClipRect(mClip, Qt::ReplaceClip);
         }
         return mPainter;
@@ -104,6 +105,7 @@ public:
 private:
     QImage& mImage;
     QRect mClip;
+    bool mClipped = false;
     QPainter mPainter;
     QImage mFrameImage;
     QPainter mFramePainter;
