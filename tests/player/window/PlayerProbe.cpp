@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+#include "window/PlayerProbe.h"
+
+#include "media/NumberedMedia.h"
+#include "playback/PlaybackController.h"
+#include "viewers/ViewerWidget.h"
+#include "window/PlayerWindow.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+#include <QtTest>
+
+namespace PlayerProbe
+{
+
+QString SampleMovie()
+{
+    return NumberedMedia::Movie(
+        QStringLiteral("player.mp4"), 60, QStringLiteral("24"),
+        QStringLiteral("-c:v libx264 -preset veryfast -pix_fmt yuv420p -bf 3 -g 24").split(QLatin1Char(' ')),
+        QSize(320, 180));
+}
+
+bool ShowWith(PlayerWindow* window, const QString& path)
+{
+    window->resize(900, 700);
+    window->show();
+    window->activateWindow();
+    if (!QTest::qWaitForWindowActive(window))
+        return false;
+    window->OpenFiles({path}, 0);
+    return QTest::qWaitFor([window] { return window->Playback()->ShownFrame(0) == 1; }, 20000);
+}
+
+QImage ScreenOfViewer(PlayerWindow* window)
+{
+    QCoreApplication::processEvents();
+    QTest::qWait(50);
+    ViewerWidget* const viewer = window->Viewer();
+    const QPoint corner = viewer->mapToGlobal(QPoint(0, 0));
+    return QGuiApplication::primaryScreen()
+        ->grabWindow(0, corner.x(), corner.y(), viewer->width(), viewer->height())
+        .toImage();
+}
+
+QRect PictureRect(PlayerWindow* window, int viewer, const QSize& pictureSize)
+{
+    const ViewerWidget* const area = window->Viewer();
+    QRect slot = area->rect();
+    if (area->GetViewerLayout() == Horizontal)
+        slot = QRect(viewer * (area->width() / 2), 0, area->width() / 2, area->height());
+    else if (area->GetViewerLayout() == Vertical)
+        slot = QRect(0, viewer * (area->height() / 2), area->width(), area->height() / 2);
+    QRect picture(QPoint(), pictureSize.scaled(slot.size(), Qt::KeepAspectRatio));
+    picture.moveCenter(slot.center());
+    return picture;
+}
+
+int NumberOnScreen(PlayerWindow* window, int viewer)
+{
+    return NumberedMedia::NumberIn(ScreenOfViewer(window).copy(PictureRect(window, viewer)));
+}
+
+} // namespace PlayerProbe
