@@ -3,19 +3,21 @@
 
 #include "host/Bookmarks.h"
 #include "host/Settings.h"
+#include "timelines/TimelineFills.h"
 #include "timelines/TimelineMapping.h"
 
 #include <QCursor>
 #include <QGuiApplication>
-#include <QImage>
-#include <QPaintEngine>
 #include <QPainter>
-#include <QPainterPath>
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 
+using TimelineFills::FillOverlapping;
+using TimelineFills::FillSpan;
+using TimelineFills::FillStretches;
+using TimelineFills::FillTriangle;
+using TimelineFills::FlagPainter;
 using TimelineMapping::Truncated;
 using TimelineMapping::WrappingDifference;
 using TimelineMapping::WrappingSum;
@@ -30,104 +32,8 @@ const QColor RangeBookmarkColor(255, 255, 0, 150);
 const QColor HoverTextColor(200, 200, 200, 90);
 const QColor HoverPlayheadColor(200, 200, 200, 90);
 const QColor HoverSpanColor(200, 200, 200, 70);
+/// The cache line keeps to this constant on every timeline; CacheColor() colours nothing, and is meant so.
 const QColor CacheLineColor(0, 54, 143, 127);
-
-void FillTriangle(QPainter* painter, const QPointF& a, const QPointF& b, const QPointF& c,
-                  const QColor& color)
-{
-    QPainterPath path(a);
-    path.lineTo(b);
-    path.lineTo(c);
-    path.closeSubpath();
-    painter->fillPath(path, color);
-}
-
-void FillSpanBetween(QPainter* painter, int left, int top, int right, int height, const QColor& color)
-{
-    // Edges far outside any widget are drawn in so that no painter's own arithmetic overflows.
-    constexpr int reach = 1 << 20;
-    const int x = std::clamp(left, -reach, reach);
-    painter->fillRect(QRectF(x, top, std::clamp(right, -reach, reach) - x, height), color);
-}
-
-/// Whether a fill at whole coordinates within @p area, the widget's rectangle, covers whole pixels. What is
-/// opaque then hides all below it, and a fill that nobody sees may be left out without changing a bit of the
-/// picture.
-///
-/// A fill that is cut by the device's edge or a clip does not count: the rasteriser may leave its last pixel
-/// a shade short of opaque.
-bool PaintsWholePixels(const QPainter* painter, const QRect& area)
-{
-    const auto isWhole = [](qreal value) { return value == std::floor(value); };
-    const QTransform transform = painter->deviceTransform();
-    if (painter->paintEngine()->type() != QPaintEngine::Raster || painter->device()->depth() < 24 ||
-        painter->hasClipping() || transform.type() > QTransform::TxScale || !isWhole(transform.m11()) ||
-        !isWhole(transform.m22()) || !isWhole(transform.dx()) || !isWhole(transform.dy()))
-        return false;
-    const QRegion exposed = painter->paintEngine()->systemClip();
-    return exposed.isEmpty() ||
-           (exposed.rectCount() == 1 && exposed.boundingRect().contains(transform.mapRect(area)));
-}
-
-/// Draws the flags of frame bookmarks: a line one pixel wide and a triangle that points down onto it.
-///
-/// Rasterising a triangle costs more than copying its pixels, and a timeline may have thousands: where that
-/// gives the same bits, each kind is drawn once into a picture that is then stamped.
-class FlagPainter
-{
-public:
-    FlagPainter(QPainter* painter, int top, int height, const QColor& plainColor,
-                const QColor& annotatedColor, const QRect& area)
-        : mPainter(painter)
-        , mTop(top)
-        , mHeight(height)
-        , mArea(area)
-        , mColors{plainColor, annotatedColor}
-        , mStamps(height > 0 && PaintsWholePixels(painter, area) &&
-                  painter->deviceTransform().type() <= QTransform::TxTranslate)
-    {
-    }
-
-    void Draw(int x, bool annotated)
-    {
-        if (mStamps && x >= HalfWidth && x < mArea.width() - HalfWidth)
-            mPainter->drawImage(QPoint(x - HalfWidth, mTop - Rise), Stamp(annotated));
-        else
-            DrawShape(mPainter, x, mTop, mColors[annotated]);
-    }
-
-private:
-    static constexpr int HalfWidth = 3;
-    static constexpr int Rise = 3;
-
-    const QImage& Stamp(bool annotated)
-    {
-        QImage& image = mImages[annotated];
-        if (image.isNull())
-        {
-            image = QImage(2 * HalfWidth + 1, Rise + mHeight, QImage::Format_ARGB32_Premultiplied);
-            image.fill(Qt::transparent);
-            QPainter painter(&image);
-            painter.setRenderHints(mPainter->renderHints());
-            DrawShape(&painter, HalfWidth, Rise, mColors[annotated]);
-        }
-        return image;
-    }
-
-    void DrawShape(QPainter* painter, int x, int y, const QColor& color) const
-    {
-        FillSpanBetween(painter, x, y, WrappingSum(x, 1), mHeight, color);
-        FillTriangle(painter, QPointF(x, y), QPointF(x - 3.0, y - 3.0), QPointF(x + 4.0, y - 3.0), color);
-    }
-
-    QPainter* const mPainter;
-    const int mTop;
-    const int mHeight;
-    const QRect mArea;
-    const QColor mColors[2];
-    const bool mStamps;
-    QImage mImages[2];
-};
 
 } // namespace
 
@@ -155,7 +61,7 @@ void GlobalTimelineWidget::DrawElements(QPainter* painter)
         lefts.push_back(FrameToPixel(element.startFrame));
     if (lefts.empty())
         lefts.push_back(FrameToPixel(1));
-    FillStretches(painter, lefts, end, mElementStripY, ElementStripHeight(), ElementStripColor(),
+    FillStretches(painter, rect(), lefts, end, mElementStripY, ElementStripHeight(), ElementStripColor(),
                   ElementStripAltColor());
 }
 
@@ -178,7 +84,7 @@ void GlobalTimelineWidget::DrawScrubBar(QPainter* painter)
         lefts.push_back(std::min(std::max(FrameToPixel(element.startFrame), left), right));
     if (lefts.empty())
         lefts.push_back(left);
-    FillStretches(painter, lefts, right, mScrubBarY, barHeight, ScrubBarColor(), ScrubBarAltColor());
+    FillStretches(painter, rect(), lefts, right, mScrubBarY, barHeight, ScrubBarColor(), ScrubBarAltColor());
 
     if (Settings::globalTimelineShowCache && mCacheEndTime > mCacheStartTime)
     {
@@ -225,44 +131,7 @@ void GlobalTimelineWidget::DrawRangeBookmarks(QPainter* painter)
     spans.reserve(static_cast<size_t>(ranges.size()));
     for (const RangeBookmark& range : ranges)
         spans.emplace_back(FrameToPixel(TimeToFrame(range.startTime)), RightEdge(TimeToFrame(range.endTime)));
-    FillOverlapping(painter, spans, mElementStripY - 1 + ElementStripHeight(), 2, RangeBookmarkColor);
-}
-
-void GlobalTimelineWidget::FillOverlapping(QPainter* painter, const std::vector<std::pair<int, int>>& spans,
-                                           int top, int height, const QColor& color)
-{
-    // Where fills of one translucent colour overlap, only their number counts, and from some number on the
-    // colour stays: alpha 150 settles in fewer than this many fills.
-    constexpr int settled = 16;
-    const bool isInside = std::all_of(spans.begin(), spans.end(),
-                                      [this](const auto& span) { return IsInside(span.first, span.second); });
-    if (!PaintsWholePixels(painter, rect()) || !isInside || spans.size() < settled)
-    {
-        for (const auto& [left, right] : spans)
-            FillSpan(painter, left, top, right, height, color);
-        return;
-    }
-    const int columns = width();
-    std::vector<int> change(static_cast<size_t>(columns) + 1, 0);
-    for (const auto& [left, right] : spans)
-    {
-        ++change[static_cast<size_t>(std::clamp(std::min(left, right), 0, columns))];
-        --change[static_cast<size_t>(std::clamp(std::max(left, right), 0, columns))];
-    }
-    for (int layer = 1; layer <= settled; ++layer)
-    {
-        int depth = 0;
-        int from = 0;
-        for (int x = 0; x <= columns; ++x)
-        {
-            const bool wasCovered = depth >= layer;
-            depth += change[static_cast<size_t>(x)];
-            if (!wasCovered && depth >= layer)
-                from = x;
-            else if (wasCovered && depth < layer)
-                FillSpan(painter, from, top, x, height, color);
-        }
-    }
+    FillOverlapping(painter, rect(), spans, mElementStripY - 1 + ElementStripHeight(), 2, RangeBookmarkColor);
 }
 
 void GlobalTimelineWidget::DrawTimeBookmarks(QPainter* painter)
@@ -283,7 +152,7 @@ void GlobalTimelineWidget::DrawBookmarkFlags(QPainter* painter, int64_t firstTim
     const QList<TimeBookmark> bookmarks =
         owner != nullptr ? owner->GetTimeBookmarks() : QList<TimeBookmark>();
     // Of bookmarks that follow each other on one pixel only the first is drawn, and it decides the colour.
-    FlagPainter flags(painter, mPlayheadY, PlayheadHeight(), plainColor, annotatedColor, rect());
+    FlagPainter flags(painter, rect(), mPlayheadY, PlayheadHeight(), plainColor, annotatedColor);
     int lastX = -1;
     for (const TimeBookmark& bookmark : bookmarks)
     {
@@ -430,44 +299,6 @@ void GlobalTimelineWidget::DrawLabel(QPainter* painter, int x, int y, int width,
                                      const QString& text)
 {
     painter->drawText(QRectF(x, y, width, height), flags, text);
-}
-
-bool GlobalTimelineWidget::IsInside(int left, int right) const
-{
-    return std::min(left, right) >= 0 && std::max(left, right) <= width();
-}
-
-void GlobalTimelineWidget::FillStretches(QPainter* painter, const std::vector<int>& lefts, int right, int top,
-                                         int height, const QColor& evenColor, const QColor& oddColor)
-{
-    const auto color = [&](size_t index) { return index % 2 == 0 ? evenColor : oddColor; };
-    const auto [first, last] = std::minmax_element(lefts.begin(), lefts.end());
-    if (!PaintsWholePixels(painter, rect()) || !IsInside(*first, right) || !IsInside(*last, right) ||
-        evenColor.alpha() < 255 || oddColor.alpha() < 255)
-    {
-        for (size_t i = 0; i < lefts.size(); ++i)
-            FillSpan(painter, lefts[i], top, right, height, color(i));
-        return;
-    }
-    // From the last back: of each stretch only what no later one hides, on either side of the common end.
-    int hiddenFrom = right;
-    int hiddenTo = right;
-    for (size_t i = lefts.size(); i-- > 0;)
-    {
-        const int left = lefts[i];
-        if (left < hiddenFrom)
-            FillSpan(painter, left, top, hiddenFrom, height, color(i));
-        else if (left > hiddenTo)
-            FillSpan(painter, hiddenTo, top, left, height, color(i));
-        hiddenFrom = std::min(hiddenFrom, left);
-        hiddenTo = std::max(hiddenTo, left);
-    }
-}
-
-void GlobalTimelineWidget::FillSpan(QPainter* painter, int left, int top, int right, int height,
-                                    const QColor& color)
-{
-    FillSpanBetween(painter, left, top, right, height, color);
 }
 
 void GlobalTimelineWidget::SetFontSize(QPainter* painter, int pointSize)

@@ -10,9 +10,6 @@
 #include <QRect>
 #include <QTimer>
 
-#include <utility>
-#include <vector>
-
 class QAction;
 struct TimeBookmark;
 
@@ -145,17 +142,6 @@ protected:
     /// Writes @p text in a box at @p x, @p y.
     static void DrawLabel(QPainter* painter, int x, int y, int width, int height, int flags,
                           const QString& text);
-    /// Fills the columns from @p left to @p right, in either order, @p height pixels down from @p top.
-    static void FillSpan(QPainter* painter, int left, int top, int right, int height, const QColor& color);
-    /// Whether the columns from @p left to @p right, in either order, lie in the widget.
-    bool IsInside(int left, int right) const;
-    /// Fills from each of @p lefts to @p right, in order and in turn with the two colours.
-    void FillStretches(QPainter* painter, const std::vector<int>& lefts, int right, int top, int height,
-                       const QColor& evenColor, const QColor& oddColor);
-    /// Fills each of @p spans, left and right edge, with a translucent colour that adds up where they
-    /// overlap.
-    void FillOverlapping(QPainter* painter, const std::vector<std::pair<int, int>>& spans, int top,
-                         int height, const QColor& color);
     /// Gives the painter its own font in @p pointSize.
     static void SetFontSize(QPainter* painter, int pointSize);
 

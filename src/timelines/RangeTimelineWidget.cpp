@@ -2,6 +2,7 @@
 #include "timelines/RangeTimelineWidget.h"
 
 #include "host/Settings.h"
+#include "timelines/TimelineFills.h"
 #include "timelines/TimelineMapping.h"
 
 #include <QAction>
@@ -11,6 +12,7 @@
 
 #include <algorithm>
 
+using TimelineFills::FillSpan;
 using TimelineMapping::SeekTime;
 using TimelineMapping::WrappingDifference;
 using TimelineMapping::WrappingSum;

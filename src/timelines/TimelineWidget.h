@@ -40,6 +40,7 @@ public:
     virtual double GetActualFrameRate() = 0;
 
 public Q_SLOTS:
+    // The parameter's name belongs to the interface.
     /// Shows another timeline. The widget keeps it weakly: one that is empty or has gone away shows as an
     /// empty bar.
     virtual void SetTimeline(std::weak_ptr<ProjectObject> mTimelineObject) = 0;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "host/Settings.h"
+#include "host/TimelineDisplayType.h"
 #include "support/TestRegistry.h"
 #include "timelines/FakeTimeline.h"
 #include "timelines/TimelineWidget.h"
