@@ -26,7 +26,8 @@ public:
     void Warning(const QString& text);
     /// What could not be done.
     void Error(const QString& text);
-    /// @overload @p text is UTF-8.
+    /// @overload
+    /// @p text is UTF-8.
     void Error(const char* text);
 
 Q_SIGNALS:
