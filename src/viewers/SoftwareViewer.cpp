@@ -74,9 +74,11 @@ void SoftwareViewer::PaintStoredPicture(QPainter& painter)
     if (!QRect(QPoint(0, 0), mLastImage.size()).contains(rect()))
         painter.fillRect(rect(), Qt::black);
     painter.setRenderHint(QPainter::Antialiasing);
-    // The stored picture is opaque: copied, it gives the same as blended, for less.
-    painter.setCompositionMode(QPainter::CompositionMode_Source);
-    painter.drawImage(0, 0, mLastImage);
+    // The stored picture is opaque. Read as a picture without alpha it gives the same, and is copied instead
+    // of blended.
+    painter.drawImage(0, 0,
+                      QImage(mLastImage.constBits(), mLastImage.width(), mLastImage.height(),
+                             mLastImage.bytesPerLine(), QImage::Format_RGB32));
 }
 
 void SoftwareViewer::PaintPictures(QPainter& painter)
