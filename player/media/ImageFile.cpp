@@ -120,8 +120,8 @@ InputPointer OpenInput(const QString& path, QString* error)
 }
 
 /// Fills @p buffer with the data window; rows that can't be read are black. Returns whether all could.
-bool ReadPixels(OIIO::ImageInput& input, const Channels& channels, OIIO::TypeDesc type, uchar* buffer,
-                size_t rowBytes, const CancelToken& cancel, QString* error)
+bool ReadPixels(OIIO::ImageInput& input, const QString& path, const Channels& channels, OIIO::TypeDesc type,
+                uchar* buffer, size_t rowBytes, const CancelToken& cancel, QString* error)
 {
     const OIIO::ImageSpec& spec = input.spec();
     const int end = channels.begin + channels.count;
@@ -152,12 +152,16 @@ bool ReadPixels(OIIO::ImageInput& input, const Channels& channels, OIIO::TypeDes
             continue;
         takeError();
         std::fill_n(place, rowBytes * size_t(spec.height - row), uchar(0));
-        // What there is of the block that failed.
-        for (int single = row; single < last; ++single)
-            if (!input.read_scanlines(0, 0, spec.y + single, spec.y + single + 1, 0, channels.begin, end,
-                                      type, buffer + rowBytes * size_t(single)))
+        // What there is of the block that failed; a failure spoils the opened file for good.
+        QString ignored;
+        const InputPointer again = OpenInput(path, &ignored);
+        for (int single = row; again && single < last; ++single)
+            if (!again->read_scanlines(0, 0, spec.y + single, spec.y + single + 1, 0, channels.begin, end,
+                                       type, buffer + rowBytes * size_t(single)))
+            {
+                again->geterror();
                 break;
-        input.geterror();
+            }
         return false;
     }
     return true;
@@ -262,7 +266,8 @@ QImage ToPicture(const OIIO::ImageSpec& spec, const Channels& channels, const uc
     return Oriented(image, Orientation::FromExif(spec.get_int_attribute("Orientation", 1)));
 }
 
-QImage ReadOpened(OIIO::ImageInput& input, QImage::Format format, const CancelToken& cancel, QString* error)
+QImage ReadOpened(OIIO::ImageInput& input, const QString& path, QImage::Format format,
+                  const CancelToken& cancel, QString* error)
 {
     // Kept from picture to picture: getting so much memory anew costs as much as filling it.
     thread_local std::vector<uchar> buffer;
@@ -272,7 +277,7 @@ QImage ReadOpened(OIIO::ImageInput& input, QImage::Format format, const CancelTo
     const size_t rowBytes = size_t(spec.width) * size_t(channels.count) * type.size();
     if (buffer.size() < rowBytes * size_t(spec.height))
         buffer.resize(rowBytes * size_t(spec.height));
-    ReadPixels(input, channels, type, buffer.data(), rowBytes, cancel, error);
+    ReadPixels(input, path, channels, type, buffer.data(), rowBytes, cancel, error);
     if (cancel.IsCancelled())
         return {};
     if (type == OIIO::TypeDesc::UINT8)
@@ -318,7 +323,7 @@ QImage ImageFile::Read(const QString& path, QImage::Format format, const CancelT
     try
     {
         const InputPointer input = OpenInput(path, error);
-        return input ? ReadOpened(*input, format, cancel, error) : QImage();
+        return input ? ReadOpened(*input, path, format, cancel, error) : QImage();
     }
     catch (const std::exception& failure)
     {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "media/LibavError.h"
 
-#include "media/LibavPointers.h"
+#include "media/DecodeErrors.h"
 
 QString LibavErrorText(int code)
 {
@@ -14,7 +14,7 @@ void SilenceLibav()
 {
     static const bool done = []
     {
-        av_log_set_level(AV_LOG_QUIET);
+        av_log_set_callback(DecodeErrors::OnLog);
         return true;
     }();
     Q_UNUSED(done)

@@ -146,6 +146,7 @@ bool MovieReader::OpenDecoder(QString* error)
     {
         const int threads = mOptions.decoderThreads > 0 ? std::min(mOptions.decoderThreads, 16)
                                                         : std::clamp(QThread::idealThreadCount(), 1, 8);
+        mErrors.ListenTo(mDecoder.get());
         mDecoder->thread_count = threads;
         mDecoder->thread_type = FF_THREAD_FRAME | FF_THREAD_SLICE;
         mDecoder->pkt_timebase = stream->time_base;

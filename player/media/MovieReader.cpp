@@ -19,11 +19,6 @@ constexpr int SeekAttempts = 6;
 // How many packets of unknown times may come after a seek before it counts as failed.
 constexpr int MaximumStrangers = 64;
 
-bool IsDamaged(const AVFrame& picture)
-{
-    return (picture.flags & AV_FRAME_FLAG_CORRUPT) != 0 || picture.decode_error_flags != 0;
-}
-
 } // namespace
 
 MovieReader::MovieReader(const MediaOptions& options)
@@ -102,9 +97,13 @@ MovieReader::Outcome MovieReader::ReadUntil(int frame, const CancelToken& cancel
         mAbsentAfter = frame;
         return Outcome::Absent;
     }
-    const bool isDamaged =
-        (mPicture->flags & AV_FRAME_FLAG_CORRUPT) != 0 || mPicture->decode_error_flags != 0;
-    return isDamaged ? Outcome::Damaged : Outcome::Whole;
+    return IsPictureDamaged() ? Outcome::Damaged : Outcome::Whole;
+}
+
+bool MovieReader::IsPictureDamaged() const
+{
+    return (mPicture->flags & AV_FRAME_FLAG_CORRUPT) != 0 || mPicture->decode_error_flags != 0 ||
+           mErrors.Has(mPictureFrame);
 }
 
 bool MovieReader::ReceivePicture()
@@ -126,7 +125,7 @@ bool MovieReader::ReceivePicture()
     // A picture without a number is one of no packet of ours.
     if (mPicture->pts > 0 && mPicture->pts <= mInfo.frameCount)
         mPictureFrame = int(mPicture->pts);
-    mIsProven = mIsProven || !IsDamaged(*mPicture);
+    mIsProven = mIsProven || !IsPictureDamaged();
     return true;
 }
 
@@ -139,6 +138,8 @@ void MovieReader::FeedDecoder(int frame)
     mDecoder->skip_frame = isSkipped ? AVDISCARD_NONREF : AVDISCARD_DEFAULT;
     if (isSkipped)
         mSkippedBelow = std::max(mSkippedBelow, frame);
+    mErrors.Forget(number);
+    mDecoder->reordered_opaque = number;
     const int result = avcodec_send_packet(mDecoder.get(), mPacket.get());
     if (result == AVERROR(EAGAIN))
         return;

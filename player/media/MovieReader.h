@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "media/DecodeErrors.h"
 #include "media/LibavPointers.h"
 #include "media/MediaReader.h"
 #include "media/MovieIndex.h"
@@ -57,6 +58,8 @@ private:
     bool ReadPacket();
     /// Writes its frame's number into mPacket, which is that of index @p index.
     void TakePacket(int index);
+    /// Whether part of mPicture could not be decoded.
+    bool IsPictureDamaged() const;
     /// Takes what comes out of the decoder; false if that is nothing.
     bool ReceivePicture();
     DecodedFrame Answer(int frame, Outcome outcome) const;
@@ -69,6 +72,8 @@ private:
     MediaInfo mInfo;
     MovieIndex mIndex;
     LibavPointer<AVFormatContext> mFormat;
+    /// Stands before the decoder, whose threads write to it.
+    DecodeErrors mErrors;
     LibavPointer<AVCodecContext> mDecoder;
     LibavPointer<AVPacket> mPacket;
     /// The picture that came out of the decoder last; its frame's number is mPictureFrame, 0 if there is

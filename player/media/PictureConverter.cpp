@@ -118,8 +118,9 @@ PictureConverter::Scaler PictureConverter::TakeScaler(const AVFrame& frame, int 
     }
     const AVPixelFormat target = mFormat == QImage::Format_RGB888 ? AV_PIX_FMT_RGB24 : AV_PIX_FMT_RGB32;
     // Without exact rounding the library has vector code for what movies are made of; it is several times
-    // faster and a level apart at most.
-    const int flags = shownWidth == frame.width ? SWS_FAST_BILINEAR : SWS_BILINEAR;
+    // faster and a level or two apart at most. Where nothing is enlarged, bilinear leaves every value as it
+    // is.
+    const int flags = SWS_BILINEAR;
     wanted.context.reset(sws_getContext(frame.width, frame.height, AVPixelFormat(wanted.format), shownWidth,
                                         frame.height, target, flags, nullptr, nullptr, nullptr));
     if (wanted.context)
