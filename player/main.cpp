@@ -80,6 +80,8 @@ int main(int argc, char** argv)
     const QCommandLineOption viewerB = Option("viewer-b", "Opens FILE in viewer B.", "FILE");
     const QCommandLineOption layout = Option("layout", "Layout: single, horizontal or vertical.", "NAME");
     const QCommandLineOption play = Option("play", "Starts playing at once.");
+    const QCommandLineOption demo =
+        Option("demo", "Draws a greeting on the first frames, to show what drawings are.");
     const QCommandLineOption screenshot =
         Option("screenshot", "Saves the window's picture as FILE once it shows the first frames, and quits.",
                "FILE");
@@ -87,7 +89,7 @@ int main(int argc, char** argv)
         "play-through",
         "Plays FILE as fast as it can, prints frames, seconds and frames a second, and quits.", "FILE");
     const QCommandLineOption size = Option("size", "Size of the window of --play-through.", "WIDTHxHEIGHT");
-    parser.addOptions({viewerB, layout, play, screenshot, playThrough, size});
+    parser.addOptions({viewerB, layout, play, demo, screenshot, playThrough, size});
     parser.addPositionalArgument(QStringLiteral("FILE"),
                                  QCoreApplication::translate("main", "Movies or files of image sequences."),
                                  QStringLiteral("[FILE…]"));
@@ -105,6 +107,8 @@ int main(int argc, char** argv)
     PlayerWindow window;
     if (parser.isSet(layout))
         window.SetLayout(LayoutNames.indexOf(parser.value(layout)));
+    if (parser.isSet(demo))
+        window.DrawDemoWhenReady();
     if (parser.isSet(screenshot))
         TakeScreenshot(&window, parser.value(screenshot));
     window.show();

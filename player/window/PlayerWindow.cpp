@@ -12,6 +12,7 @@
 #include "timelines/TimelineWidget.h"
 #include "viewers/ViewerWidget.h"
 #include "window/CommandTable.h"
+#include "window/DemoDrawing.h"
 #include "window/MessageBar.h"
 #include "window/OverlayPresenter.h"
 #include "window/TimelineBinding.h"
@@ -36,7 +37,7 @@ namespace
 {
 
 constexpr QSize InitialSize(1280, 800);
-constexpr int BothViewers = -1;
+constexpr int StatusMargin = 8;
 
 QStringList LocalFiles(const QMimeData* data)
 {
@@ -54,6 +55,7 @@ QLabel* MakeStatusLabel(QWidget* parent, const char* objectName)
     auto* const label = new QLabel(parent);
     label->setObjectName(QLatin1String(objectName));
     label->setTextFormat(Qt::PlainText);
+    label->setContentsMargins(StatusMargin, 0, StatusMargin, 0);
     return label;
 }
 
@@ -294,11 +296,23 @@ void PlayerWindow::ShowEntry(int index, int viewer)
     UpdateTitle();
     UpdateMediaMenu();
     UpdateStatus();
+    if (mDemoDrawing && viewer == 0)
+    {
+        mDemoDrawing = false;
+        DemoDrawing::AddTo(entry.timeline.get());
+        PresentOverlays();
+        mViewer->RefreshAll();
+    }
     if (mPlayWhenReady && !mMedia->IsOpening())
     {
         mPlayWhenReady = false;
         mPlayback->Play(1);
     }
+}
+
+void PlayerWindow::DrawDemoWhenReady()
+{
+    mDemoDrawing = true;
 }
 
 void PlayerWindow::PlayWhenReady()

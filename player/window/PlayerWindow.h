@@ -39,6 +39,8 @@ public:
     void SetLayout(int layout);
     /// Plays as soon as a medium is there.
     void PlayWhenReady();
+    /// Draws a greeting on the first frames of the medium that opens first in viewer A.
+    void DrawDemoWhenReady();
     /// The table of commands.
     CommandTable* Commands() const;
     PlaybackController* Playback() const;
@@ -124,4 +126,5 @@ private:
     float mZoom = 1.0f;
     float mActualRate = 0.0f;
     bool mPlayWhenReady = false;
+    bool mDemoDrawing = false;
 };
