@@ -80,8 +80,10 @@ void FrameLoader::RequestFrame(int mediaID, const FrameRequest& request)
         return;
     int frame = request.frame;
     const std::optional<ReadResult> kept = found->second.lane->Request(request, &frame);
-    if (kept)
-        Announce(mediaID, frame, *kept);
+    if (!kept)
+        return;
+    found->second.answered = found->second.lane->Serial();
+    Announce(mediaID, frame, *kept);
 }
 
 std::optional<ReadResult> FrameLoader::CachedFrame(int mediaID, int frame) const
@@ -133,10 +135,15 @@ void FrameLoader::OnOpenFailed(const LoaderLane* lane, const QString& text)
     Q_EMIT OpenFailed(id, text);
 }
 
-void FrameLoader::OnFrame(const LoaderLane* lane, int frame, const ReadResult& result, bool isLate)
+void FrameLoader::OnFrame(const LoaderLane* lane, int frame, const ReadResult& result, int serial,
+                          bool isLate)
 {
-    if (MediumOf(lane) != nullptr && (isLate || lane->IsWanted(frame)))
-        Announce(lane->ID(), frame, result);
+    Medium* const medium = MediumOf(lane);
+    // A request that came while this was on its way, and was answered from the cache, has the last word.
+    if (medium == nullptr || medium->answered > serial || !(isLate || lane->IsWanted(frame)))
+        return;
+    medium->answered = serial;
+    Announce(lane->ID(), frame, result);
 }
 
 void FrameLoader::OnCacheChanged(const LoaderLane* lane)

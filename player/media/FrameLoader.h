@@ -95,6 +95,8 @@ private:
         std::optional<MediaInfo> info;
         /// Broken and missing frames that were told.
         std::set<int> failed;
+        /// The request, counted, that was answered last.
+        int answered = 0;
         bool cacheChangePending = false;
     };
 
@@ -102,7 +104,7 @@ private:
     // number that was closed.
     void OnOpened(const LoaderLane* lane, const MediaInfo& info);
     void OnOpenFailed(const LoaderLane* lane, const QString& text);
-    void OnFrame(const LoaderLane* lane, int frame, const ReadResult& result, bool isLate);
+    void OnFrame(const LoaderLane* lane, int frame, const ReadResult& result, int serial, bool isLate);
     void OnCacheChanged(const LoaderLane* lane);
     void OnLaneEnded(const LoaderLane* lane);
 

@@ -165,6 +165,7 @@ void LoaderLane::Complete(int frame, const ReadResult& result)
     const bool isKept = wasRead && !isStopping && mCache->Insert(mID, frame, result);
     bool isDelivered = false;
     bool isLate = false;
+    int serial = 0;
     {
         const std::lock_guard<std::mutex> lock(mMutex);
         if (mIsStopping)
@@ -189,11 +190,12 @@ void LoaderLane::Complete(int frame, const ReadResult& result)
             mLastFrame = frame;
             mLastTime = std::chrono::steady_clock::now();
         }
+        serial = mSerial;
         mWork.notify_all();
     }
     if (isDelivered)
-        Post([loader = mLoader, this, frame, result, isLate]
-             { loader->OnFrame(this, frame, result, isLate); });
+        Post([loader = mLoader, this, frame, result, serial, isLate]
+             { loader->OnFrame(this, frame, result, serial, isLate); });
     if (isKept && !mCacheChangePosted.exchange(true))
         Post([loader = mLoader, this] { loader->OnCacheChanged(this); });
 }
@@ -229,6 +231,7 @@ void LoaderLane::ClampRequest()
 std::optional<ReadResult> LoaderLane::Request(const FrameRequest& request, int* frame)
 {
     const std::lock_guard<std::mutex> lock(mMutex);
+    ++mSerial;
     if (!mIsOpen)
     {
         mRequest = request;
@@ -277,6 +280,12 @@ bool LoaderLane::LeadsTo(const FrameRequest& request) const
     const int reach = request.isPlaying ? NearPlayingFrames : NearFrames;
     return std::any_of(mComing.begin(), mComing.end(),
                        [&](int frame) { return frame < request.frame && request.frame - frame <= reach; });
+}
+
+int LoaderLane::Serial() const
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    return mSerial;
 }
 
 bool LoaderLane::IsWanted(int frame) const

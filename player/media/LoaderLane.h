@@ -30,6 +30,8 @@ public:
     /// Makes @p request the current one. Returns its frame if that is kept; @p frame becomes its number,
     /// clamped.
     std::optional<ReadResult> Request(const FrameRequest& request, int* frame);
+    /// How many requests there were.
+    int Serial() const;
     /// Whether @p frame is the one asked for last.
     bool IsWanted(int frame) const;
     /// Looks anew at what there is to do, since the cache's bound changed.
@@ -89,6 +91,7 @@ private:
     bool mIsOpen = false;
     bool mIsStopping = false;
     std::optional<FrameRequest> mRequest;
+    int mSerial = 0;
     /// The current request is answered.
     bool mIsAnswered = false;
     /// The cache takes no more for the current request.
