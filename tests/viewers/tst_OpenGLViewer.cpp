@@ -93,6 +93,7 @@ private Q_SLOTS:
     void PicturesStandInTheirSlots_data();
     void PicturesStandInTheirSlots();
     void PicturesStandUpright();
+    void AnEnlargedPictureFadesAtItsEdges();
     void HiddenPicturesKeepTheirDisplaySize();
     void DisplaySizesAreKeptForBothViewers();
     void TheDisplaySizeIsThatOfTheSingleViewer();
@@ -275,6 +276,30 @@ void tst_OpenGLViewer::PicturesStandUpright()
     QCOMPARE(shown.pixelColor(3 * quarter.width(), quarter.height()), QColor(255, 0, 128));
     QCOMPARE(shown.pixelColor(quarter.width(), 3 * quarter.height()), QColor(0, 255, 128));
     QCOMPARE(shown.pixelColor(3 * quarter.width(), 3 * quarter.height()), QColor(255, 255, 255));
+}
+
+void tst_OpenGLViewer::AnEnlargedPictureFadesAtItsEdges()
+{
+    Show(QSize(200, 100));
+    QImage picture = GlPlain(QSize(4, 2), Qt::white);
+    picture.setPixelColor(2, 0, Qt::red);
+    picture.setPixelColor(2, 1, Qt::red);
+    mViewer->Give(0, picture);
+    const QImage shown = mViewer->GetImage();
+    const double ratio = shown.devicePixelRatio();
+    const auto greenAt = [&](double x, double y)
+    { return shown.pixelColor(int(x * ratio), int(y * ratio)).green(); };
+    // A picture's pixel is 50 by 50. Its value holds at its centre; outside the last centre it falls to half
+    // of itself, the border being black.
+    QVERIFY(greenAt(25, 25) >= 250);
+    QVERIFY(std::abs(greenAt(0, 25) - 128) <= 6);
+    QVERIFY(std::abs(greenAt(12.5, 25) - 191) <= 6);
+    QVERIFY(std::abs(greenAt(199.4, 25) - 128) <= 6);
+    QVERIFY(std::abs(greenAt(25, 0) - 128) <= 6);
+    QVERIFY(std::abs(greenAt(25, 99.4) - 128) <= 6);
+    // Between the centres of white and red lies what lies between them.
+    QVERIFY(std::abs(greenAt(100, 25) - 128) <= 6);
+    QVERIFY(std::abs(greenAt(112.5, 25) - 64) <= 6);
 }
 
 void tst_OpenGLViewer::HiddenPicturesKeepTheirDisplaySize()
