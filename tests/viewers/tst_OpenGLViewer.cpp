@@ -11,8 +11,9 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <algorithm>
 #include <cmath>
-#include <functional>
+#include <vector>
 
 namespace
 {
@@ -101,6 +102,7 @@ private Q_SLOTS:
     void AnImageOfTheSameSizeReusesTheTexture();
     void AnImageOfAnotherSizeReplacesTheTexture();
     void OddWidthsKeepTheirRows();
+    void SmallerPicturesInMemoryAreShownToo();
     void TheGammaPathIsNeverTaken();
     void FramesWithoutAContextAreLost();
     void FramesBeforeInitialisationAreLost();
@@ -422,6 +424,24 @@ void tst_OpenGLViewer::OddWidthsKeepTheirRows()
                 QCOMPARE(PictureDifference(shown, picture, 1), QByteArray());
         }
     }
+}
+
+void tst_OpenGLViewer::SmallerPicturesInMemoryAreShownToo()
+{
+    Show(QSize(201, 101));
+    mViewer->Give(0, GlNoise(QSize(201, 101), 1));
+    const QImage aligned = GlNoise(QSize(201, 101), 2);
+    // Rows without padding, as a host may wrap its own memory.
+    std::vector<uchar> memory(201 * 3 * 101);
+    for (int y = 0; y < 101; ++y)
+        std::copy_n(aligned.constScanLine(y), 201 * 3, memory.begin() + y * 201 * 3);
+    mViewer->Give(0, QImage(memory.data(), 201, 101, 201 * 3, QImage::Format_RGB888));
+    if (mViewer->devicePixelRatioF() == 1.0)
+        QCOMPARE(PictureDifference(mViewer->GetImage(), aligned, 1), QByteArray());
+    QImage gray(201, 101, QImage::Format_Grayscale8);
+    gray.fill(77);
+    mViewer->Give(0, gray);
+    QCOMPARE(mViewer->GetImage().pixelColor(100, 50), QColor(77, 77, 77));
 }
 
 void tst_OpenGLViewer::TheGammaPathIsNeverTaken()
