@@ -194,9 +194,11 @@ void OpenGLViewer::SetImage(int index, const QImage& image, bool linear)
     }
     else
     {
-        // Three bytes a pixel are read, so a picture of fewer is brought to that form; the path of playback
-        // gets QImage::Format_RGB888 and copies nothing.
-        const QImage pixels = image.depth() < 24 ? image.convertToFormat(QImage::Format_RGB888) : image;
+        // Three bytes a pixel are read, in rows of whole four bytes, so a picture of fewer is brought to that
+        // form; the path of playback gets QImage::Format_RGB888 as Qt makes it and copies nothing.
+        const qsizetype bytesRead = qsizetype(image.width() * 3 + 3) / 4 * 4 * image.height();
+        const QImage pixels =
+            image.sizeInBytes() < bytesRead ? image.convertToFormat(QImage::Format_RGB888).copy() : image;
         texture->setData(QOpenGLTexture::RGB, QOpenGLTexture::UInt8,
                          static_cast<const void*>(pixels.constBits()));
     }

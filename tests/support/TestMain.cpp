@@ -13,8 +13,8 @@
 #include <cstdio>
 
 #ifdef TORVALEN_SANITIZED
-// Unloaded plug-ins would show as leaks without a name.
-extern "C" int dlclose(void*)
+// Unloaded plug-ins would show as leaks without a name. Visible, or the plug-in loader doesn't find it.
+extern "C" __attribute__((visibility("default"))) int dlclose(void*)
 {
     return 0;
 }

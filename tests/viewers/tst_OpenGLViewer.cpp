@@ -11,8 +11,9 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <algorithm>
 #include <cmath>
-#include <functional>
+#include <vector>
 
 namespace
 {
@@ -93,6 +94,7 @@ private Q_SLOTS:
     void PicturesStandInTheirSlots_data();
     void PicturesStandInTheirSlots();
     void PicturesStandUpright();
+    void AnEnlargedPictureFadesAtItsEdges();
     void HiddenPicturesKeepTheirDisplaySize();
     void DisplaySizesAreKeptForBothViewers();
     void TheDisplaySizeIsThatOfTheSingleViewer();
@@ -100,6 +102,7 @@ private Q_SLOTS:
     void AnImageOfTheSameSizeReusesTheTexture();
     void AnImageOfAnotherSizeReplacesTheTexture();
     void OddWidthsKeepTheirRows();
+    void SmallerPicturesInMemoryAreShownToo();
     void TheGammaPathIsNeverTaken();
     void FramesWithoutAContextAreLost();
     void FramesBeforeInitialisationAreLost();
@@ -277,6 +280,30 @@ void tst_OpenGLViewer::PicturesStandUpright()
     QCOMPARE(shown.pixelColor(3 * quarter.width(), 3 * quarter.height()), QColor(255, 255, 255));
 }
 
+void tst_OpenGLViewer::AnEnlargedPictureFadesAtItsEdges()
+{
+    Show(QSize(200, 100));
+    QImage picture = GlPlain(QSize(4, 2), Qt::white);
+    picture.setPixelColor(2, 0, Qt::red);
+    picture.setPixelColor(2, 1, Qt::red);
+    mViewer->Give(0, picture);
+    const QImage shown = mViewer->GetImage();
+    const double ratio = shown.devicePixelRatio();
+    const auto greenAt = [&](double x, double y)
+    { return shown.pixelColor(int(x * ratio), int(y * ratio)).green(); };
+    // A picture's pixel is 50 by 50. Its value holds at its centre; outside the last centre it falls to half
+    // of itself, the border being black.
+    QVERIFY(greenAt(25, 25) >= 250);
+    QVERIFY(std::abs(greenAt(0, 25) - 128) <= 6);
+    QVERIFY(std::abs(greenAt(12.5, 25) - 191) <= 6);
+    QVERIFY(std::abs(greenAt(199.4, 25) - 128) <= 6);
+    QVERIFY(std::abs(greenAt(25, 0) - 128) <= 6);
+    QVERIFY(std::abs(greenAt(25, 99.4) - 128) <= 6);
+    // Between the centres of white and red lies what lies between them.
+    QVERIFY(std::abs(greenAt(100, 25) - 128) <= 6);
+    QVERIFY(std::abs(greenAt(112.5, 25) - 64) <= 6);
+}
+
 void tst_OpenGLViewer::HiddenPicturesKeepTheirDisplaySize()
 {
     Show(QSize(200, 100));
@@ -397,6 +424,24 @@ void tst_OpenGLViewer::OddWidthsKeepTheirRows()
                 QCOMPARE(PictureDifference(shown, picture, 1), QByteArray());
         }
     }
+}
+
+void tst_OpenGLViewer::SmallerPicturesInMemoryAreShownToo()
+{
+    Show(QSize(201, 101));
+    mViewer->Give(0, GlNoise(QSize(201, 101), 1));
+    const QImage aligned = GlNoise(QSize(201, 101), 2);
+    // Rows without padding, as a host may wrap its own memory.
+    std::vector<uchar> memory(201 * 3 * 101);
+    for (int y = 0; y < 101; ++y)
+        std::copy_n(aligned.constScanLine(y), 201 * 3, memory.begin() + y * 201 * 3);
+    mViewer->Give(0, QImage(memory.data(), 201, 101, 201 * 3, QImage::Format_RGB888));
+    if (mViewer->devicePixelRatioF() == 1.0)
+        QCOMPARE(PictureDifference(mViewer->GetImage(), aligned, 1), QByteArray());
+    QImage gray(201, 101, QImage::Format_Grayscale8);
+    gray.fill(77);
+    mViewer->Give(0, gray);
+    QCOMPARE(mViewer->GetImage().pixelColor(100, 50), QColor(77, 77, 77));
 }
 
 void tst_OpenGLViewer::TheGammaPathIsNeverTaken()

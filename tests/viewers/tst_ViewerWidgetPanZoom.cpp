@@ -14,6 +14,22 @@
 namespace
 {
 
+/// The private operation that nothing in the library calls, found as the language allows: access is not
+/// checked where a template is instantiated by name.
+struct SetZoomKey
+{
+    using Type = void (ViewerWidget::*)(float);
+    friend Type Find(SetZoomKey);
+};
+
+template<typename Key, typename Key::Type Member>
+struct Opened
+{
+    friend typename Key::Type Find(Key) { return Member; }
+};
+
+template struct Opened<SetZoomKey, &ViewerWidget::SetZoom>;
+
 /// Where the back end of a viewer must stand, one axis at a time, and what the running pan must be.
 struct ExpectedAxis
 {
@@ -61,6 +77,8 @@ private Q_SLOTS:
     void SteppingUpAtTheMaximumAsksForNothing();
     void SteppingUpIsCappedAtTheMaximum();
     void SteppingDownAtOneAsksForNothingAndDropsThePan();
+    void SetZoomAsksForItsValue_data();
+    void SetZoomAsksForItsValue();
     void OneWheelEventIsOneStep_data();
     void OneWheelEventIsOneStep();
     void OtherModifiersDontZoom_data();
@@ -347,6 +365,36 @@ void tst_ViewerWidgetPanZoom::SteppingDownAtOneAsksForNothingAndDropsThePan()
     QCOMPARE(spy.size(), 0);
     mViewer->Wheel(QPoint(0, 120));
     QVERIFY(spy[0][0].toPointF() == QPointF(0, 0));
+}
+
+void tst_ViewerWidgetPanZoom::SetZoomAsksForItsValue_data()
+{
+    QTest::addColumn<float>("value");
+    QTest::addColumn<float>("asked");
+    QTest::addColumn<QPointF>("pan");
+    QTest::newRow("within") << 2.75f << 2.75f << QPointF(0.25, -0.5);
+    QTest::newRow("too much") << 100.0f << 8.0f << QPointF(0.25, -0.5);
+    QTest::newRow("one") << 1.0f << 1.0f << QPointF(0, 0);
+    QTest::newRow("too little") << -3.0f << 1.0f << QPointF(0, 0);
+    QTest::newRow("as it is") << 2.0f << 0.0f << QPointF();
+}
+
+void tst_ViewerWidgetPanZoom::SetZoomAsksForItsValue()
+{
+    QFETCH(float, value);
+    QFETCH(float, asked);
+    QFETCH(QPointF, pan);
+    mViewer->SetPanAndZoom(QPointF(0.25, -0.5), 2.0f, true);
+    QSignalSpy spy(mViewer.get(), &ViewerWidget::PanZoomChangeRequested);
+    (mViewer.get()->*Find(SetZoomKey()))(value);
+    QCOMPARE(spy.size(), asked > 0.0f ? 1 : 0);
+    if (asked > 0.0f)
+    {
+        QVERIFY(spy[0][0].toPointF() == pan);
+        QVERIFY(spy[0][1].toFloat() == asked);
+        QCOMPARE(spy[0][2].toBool(), true);
+    }
+    QCOMPARE(BackEnd()->geometry(), QRect(-150, -225, 800, 600));
 }
 
 void tst_ViewerWidgetPanZoom::OneWheelEventIsOneStep_data()
