@@ -2,6 +2,7 @@
 #include "annotation/StrokeController.h"
 
 #include "annotation/AnnotationStore.h"
+#include "annotation/FullPaint.h"
 #include "annotation/SetDrawingsCommand.h"
 #include "host/Settings.h"
 #include "viewers/ViewerWidget.h"
@@ -84,11 +85,10 @@ bool StrokeController::Press(const QPoint& globalPos)
     data.drawData.append(drawing);
     data.lastIndex = data.drawData.size() - 1;
     mViewer->SetActiveAnnotationViewerIndex(viewerIndex);
-    mViewer->SetStoreLastImageEnabled(true);
     Q_EMIT OverlayChanged();
     AppendPoint(globalPos);
     // In full, so that the ghosts and the drawings behind the stroke are in the overlay that it grows on.
-    mViewer->RefreshAll();
+    RequestFullPaint(mViewer, true);
     return true;
 }
 
@@ -134,7 +134,7 @@ void StrokeController::Cancel()
     drawings.removeLast();
     mTarget.store->SetDrawings(mTarget.frame, drawings);
     mTarget = StrokeTarget();
-    mViewer->RefreshAll();
+    RequestFullPaint(mViewer, true);
 }
 
 void StrokeController::ClearFrame(int viewer)

@@ -151,6 +151,7 @@ void PlayerWindow::AddViewCommands(std::vector<Command>& commands)
         {
             mAnnotationsVisible = !mAnnotationsVisible;
             mViewer->SetAnnotationsVisible(mAnnotationsVisible);
+            RefreshViewers();
         },
         [this] { return mAnnotationsVisible; });
     add(
@@ -158,7 +159,7 @@ void PlayerWindow::AddViewCommands(std::vector<Command>& commands)
         [this]
         {
             Settings::onlyDisplayAnnotations = !Settings::onlyDisplayAnnotations;
-            mViewer->RefreshAll();
+            RefreshViewers();
         },
         [] { return Settings::onlyDisplayAnnotations; });
     add(
@@ -214,7 +215,7 @@ void PlayerWindow::AddAnnotationCommands(std::vector<Command>& commands)
         {
             Settings::annotationGhostPrevious = !Settings::annotationGhostPrevious;
             PresentOverlays();
-            mViewer->RefreshAll();
+            RefreshViewers();
         },
         [] { return Settings::annotationGhostPrevious; });
     add(
@@ -223,7 +224,7 @@ void PlayerWindow::AddAnnotationCommands(std::vector<Command>& commands)
         {
             Settings::annotationGhostNext = !Settings::annotationGhostNext;
             PresentOverlays();
-            mViewer->RefreshAll();
+            RefreshViewers();
         },
         [] { return Settings::annotationGhostNext; });
 }

@@ -2,6 +2,7 @@
 #include "window/PlayerWindow.h"
 
 #include "annotation/AnnotationStore.h"
+#include "annotation/FullPaint.h"
 #include "annotation/StrokeController.h"
 #include "host/Logger.h"
 #include "host/Settings.h"
@@ -159,6 +160,7 @@ void PlayerWindow::CreateConnections()
     connect(mViewer, SIGNAL(PanZoomChangeRequested(QPointF, float, bool)), this,
             SLOT(OnPanZoomChangeRequested(QPointF, float, bool)));
     connect(mViewer, SIGNAL(PlaybackToggled()), mPlayback, SLOT(TogglePlayback()));
+    connect(mInput, SIGNAL(FullPaintNeeded()), this, SLOT(RefreshViewers()));
     connect(mInput, SIGNAL(ViewerPressed(int)), this, SLOT(OnViewerPressed(int)));
     connect(mStrokes, SIGNAL(OverlayChanged()), this, SLOT(PresentOverlays()));
     connect(mStrokes, SIGNAL(DrawingsChanged(AnnotationStore*, int)), this,
@@ -301,7 +303,7 @@ void PlayerWindow::ShowEntry(int index, int viewer)
         mDemoDrawing = false;
         DemoDrawing::AddTo(entry.timeline.get());
         PresentOverlays();
-        mViewer->RefreshAll();
+        RefreshViewers();
     }
     if (mPlayWhenReady && !mMedia->IsOpening())
     {
@@ -369,7 +371,7 @@ void PlayerWindow::OnPictureReady(int viewer, int frame, const ReadResult& resul
         mViewer->SetImage(viewer, result.image, false);
     const std::shared_ptr<MediaTimeline>& timeline = mPlayback->TimelineOf(viewer);
     OverlayPresenter::Present(mViewer, viewer, timeline->Annotations().get(), frame);
-    mViewer->RefreshAll();
+    RefreshViewers();
     EmitIfSettled();
 }
 
@@ -402,6 +404,12 @@ void PlayerWindow::PresentOverlays()
     }
 }
 
+void PlayerWindow::RefreshViewers()
+{
+    // While playing every paint is a full one: a copy of each picture would be wasted.
+    RequestFullPaint(mViewer, Settings::drawEnabled && !mPlayback->IsPlaying());
+}
+
 void PlayerWindow::OnDrawingsChanged(AnnotationStore* store, int frame)
 {
     // Undo and redo take the user to the frame that they change.
@@ -422,7 +430,7 @@ void PlayerWindow::OnDrawingsChanged(AnnotationStore* store, int frame)
     }
     mTimelines->UpdateBookmarks();
     PresentOverlays();
-    mViewer->RefreshAll();
+    RefreshViewers();
 }
 
 void PlayerWindow::OnPlayheadMoved()
@@ -432,9 +440,7 @@ void PlayerWindow::OnPlayheadMoved()
 
 void PlayerWindow::OnPlayingChanged()
 {
-    // While playing every paint is a full one: a copy of each picture would be wasted.
-    mViewer->SetStoreLastImageEnabled(Settings::drawEnabled && !mPlayback->IsPlaying());
-    mViewer->RefreshAll();
+    RefreshViewers();
     mCommands->UpdateSwitches();
     UpdateStatus();
 }
@@ -463,6 +469,7 @@ void PlayerWindow::OnPanZoomChangeRequested(QPointF panInterpolation, float zoom
     mPan = panInterpolation;
     mZoom = zoom;
     mViewer->SetPanAndZoom(panInterpolation, zoom, enabled);
+    RefreshViewers();
     UpdateStatus();
 }
 
@@ -486,6 +493,7 @@ void PlayerWindow::SetLayout(int layout)
 {
     Settings::viewerLayout = layout;
     mViewer->SetViewerLayout(static_cast<ViewerLayout>(layout));
+    RefreshViewers();
     mCommands->UpdateSwitches();
 }
 
@@ -493,9 +501,9 @@ void PlayerWindow::SetDrawEnabled(bool enabled)
 {
     mStrokes->Cancel();
     Settings::drawEnabled = enabled;
-    mViewer->SetStoreLastImageEnabled(enabled && !mPlayback->IsPlaying());
     mViewer->setCursor(enabled ? Qt::CrossCursor : Qt::ArrowCursor);
-    mViewer->RefreshAll();
+    PresentOverlays();
+    RefreshViewers();
     UpdateStatus();
 }
 

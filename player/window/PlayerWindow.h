@@ -71,6 +71,7 @@ private Q_SLOTS:
     void OnPanZoomChangeRequested(QPointF panInterpolation, float zoom, bool enabled);
     void OnLogged(const QString& text);
     void PresentOverlays();
+    void RefreshViewers();
     void OnGlobalPositionChangeRequested(bool top);
     void OnRangePositionChangeRequested(bool top);
 

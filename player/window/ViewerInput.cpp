@@ -43,7 +43,10 @@ bool ViewerInput::eventFilter(QObject* watched, QEvent* event)
     case QEvent::Leave:
         // The cursor's preview leaves with it.
         if (Settings::drawEnabled && !mStrokes->IsDrawing())
-            mViewer->RefreshAll();
+            Q_EMIT FullPaintNeeded();
+        break;
+    case QEvent::Resize:
+        Q_EMIT FullPaintNeeded();
         break;
     default:
         break;

@@ -23,6 +23,8 @@ public:
 Q_SIGNALS:
     /// The user pressed a button over viewer @p viewer.
     void ViewerPressed(int viewer);
+    /// The viewers are to compose their pictures anew: their size changed, or the cursor's preview is to go.
+    void FullPaintNeeded();
 
 public Q_SLOTS:
     /// Begins or ends scrubbing, as the viewer reports the left button, unless a stroke is being drawn.

@@ -117,6 +117,8 @@ void AnnotationOverlay::SetOverlayData(int index, const FrameData* current,
                                        const QList<const FrameData*>& previous,
                                        const QList<const FrameData*>& next)
 {
+    if (index < 0 || index >= ViewerCount)
+        return;
     mCurrentFrameData[index] = current;
     mPreviousFrameData[index] = previous;
     mNextFrameData[index] = next;

@@ -18,9 +18,9 @@ public:
     /// Shows @p image in viewer @p index; -1 means both. @p linear is kept for the interface's sake and
     /// changes nothing on screen. An index of 2 or more is logged as an error.
     virtual void SetImage(int index, const QImage& image, bool linear) = 0;
-    /// Takes the annotations of viewer @p index (0 or 1, unchecked): those of the frame shown, or null, and
-    /// the ghosts before and after it, each list with the frame furthest away first. The records stay the
-    /// host's. Requests no repaint.
+    /// Takes the annotations of viewer @p index (0 or 1; another is ignored): those of the frame shown, or
+    /// null, and the ghosts before and after it, each list with the frame furthest away first. The records
+    /// stay the host's. Requests no repaint.
     virtual void SetOverlayData(int index, const FrameData* current, const QList<const FrameData*>& previous,
                                 const QList<const FrameData*>& next) = 0;
     /// The picture as displayed, overlay included, at display size.

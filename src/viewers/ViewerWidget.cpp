@@ -41,6 +41,8 @@ void ViewerWidget::Initialize()
     else
         mSoftwareViewer = new SoftwareViewer(this);
     BackEndWidget()->setParent(this);
+    // Without it, moves with no button held would end at the back end instead of falling through.
+    BackEndWidget()->setMouseTracking(true);
     BackEnd()->SetViewerLayout(mViewerLayout);
     Clear(-1);
 }

@@ -37,10 +37,10 @@ public:
     /// Shows @p image in viewer @p index; -1 means both. The picture is kept (implicitly shared) until the
     /// next one. A null image leaves its slot black. @p linear changes nothing on screen. Repaints.
     void SetImage(int index, const QImage& image, bool linear);
-    /// Takes the annotations of viewer @p index (0 or 1, unchecked): those of the frame shown, which may be
-    /// null, and the ghosts before and after it, each list with the frame furthest from the current one
-    /// first. The records stay the host's, which keeps them alive until it replaces them here. Requests no
-    /// repaint.
+    /// Takes the annotations of viewer @p index (0 or 1; another is ignored): those of the frame shown, which
+    /// may be null, and the ghosts before and after it, each list with the frame furthest from the current
+    /// one first. The records stay the host's, which keeps them alive until it replaces them here. Requests
+    /// no repaint.
     void SetOverlayData(int index, const FrameData* current, const QList<const FrameData*>& previous,
                         const QList<const FrameData*>& next);
     /// Empties viewer @p index, or both for -1: a black picture of 1 by 1 and no annotations.

@@ -51,7 +51,9 @@ QRect PictureRect(PlayerWindow* window, int viewer, const QSize& pictureSize)
         slot = QRect(viewer * (area->width() / 2), 0, area->width() / 2, area->height());
     else if (area->GetViewerLayout() == Vertical)
         slot = QRect(0, viewer * (area->height() / 2), area->width(), area->height() / 2);
-    QRect picture(QPoint(), pictureSize.scaled(slot.size(), Qt::KeepAspectRatio));
+    // Fitted twice, as the picture is, which can take a pixel off.
+    const QSize fitted = pictureSize.scaled(slot.size(), Qt::KeepAspectRatio);
+    QRect picture(QPoint(), pictureSize.scaled(fitted, Qt::KeepAspectRatio));
     picture.moveCenter(slot.center());
     return picture;
 }

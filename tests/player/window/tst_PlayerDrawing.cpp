@@ -29,6 +29,7 @@ private Q_SLOTS:
     void DrawingPausesPlayback();
     void HiddenAnnotationsAreHidden();
     void AStrokeInViewerBStaysThere();
+    void ThePreviewFollowsTheCursor();
 
 private:
     void DrawLine(const QPoint& from, const QPoint& to);
@@ -200,6 +201,33 @@ void tst_PlayerDrawing::AStrokeInViewerBStaysThere()
     const QList<DrawData> drawings = mWindow->Playback()->TimelineOf(1)->Annotations()->Drawings(1);
     QCOMPARE(drawings.size(), 1);
     QVERIFY(std::abs(drawings[0].points.first().x() + 60.0 / picture.width()) < 0.01);
+}
+
+void tst_PlayerDrawing::ThePreviewFollowsTheCursor()
+{
+    InputEvents::Move(mWindow.get(), QPoint(5, 5));
+    mWindow->Viewer()->RefreshAll();
+    const QImage without = Screen();
+    Settings::drawWidth = 0.1f;
+    for (const QPoint& place : {QPoint(300, 250), QPoint(500, 300)})
+    {
+        InputEvents::Move(mWindow->Viewer(), place);
+        const QImage with = Screen();
+        const int radius = static_cast<int>(static_cast<double>(Settings::drawWidth) *
+                                                PlayerProbe::PictureRect(mWindow.get(), 0).width() * 0.5 +
+                                            1.0);
+        QImage expected = without.convertToFormat(QImage::Format_RGB32);
+        QPainter painter(&expected);
+        painter.setPen(QPen(QBrush(Qt::gray), 1.0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        painter.drawEllipse(place, radius, radius);
+        painter.end();
+        const QByteArray difference = PictureDifference(with, expected);
+        QVERIFY2(difference.isEmpty(), difference);
+    }
+    // It goes with the cursor.
+    InputEvents::Move(mWindow.get(), QPoint(5, 5));
+    const QByteArray difference = PictureDifference(Screen(), without);
+    QVERIFY2(difference.isEmpty(), difference);
 }
 
 static const TestRegistration<tst_PlayerDrawing> PlayerDrawingRegistration;
