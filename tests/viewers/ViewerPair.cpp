@@ -3,6 +3,7 @@
 
 #include "support/PictureCompare.h"
 
+#include <QApplication>
 #include <QCursor>
 #include <QRandomGenerator>
 #include <QtTest>
@@ -202,4 +203,18 @@ FrameData MakeFrame(const QList<DrawData>& drawings)
     frame.firstIndex = 0;
     frame.lastIndex = drawings.size() - 1;
     return frame;
+}
+
+QRect PaintedBounds(const QImage& image)
+{
+    QRect bounds;
+    for (int y = 0; y < image.height(); ++y)
+    {
+        for (int x = 0; x < image.width(); ++x)
+        {
+            if (image.pixel(x, y) != 0xff000000u)
+                bounds |= QRect(x, y, 1, 1);
+        }
+    }
+    return bounds;
 }

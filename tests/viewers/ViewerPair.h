@@ -78,3 +78,5 @@ DrawData MakeDrawing(DrawType type, const QList<QPointF>& points, float width = 
                      const QColor& color = QColor(200, 30, 60));
 /// A frame that shows all of @p drawings.
 FrameData MakeFrame(const QList<DrawData>& drawings);
+/// Where anything was painted on a black picture.
+QRect PaintedBounds(const QImage& image);

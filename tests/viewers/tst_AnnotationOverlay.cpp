@@ -16,21 +16,6 @@ namespace
 
 constexpr QRgb Untouched = 0xff000000u;
 
-/// Where anything was painted on a black picture.
-QRect PaintedBounds(const QImage& image)
-{
-    QRect bounds;
-    for (int y = 0; y < image.height(); ++y)
-    {
-        for (int x = 0; x < image.width(); ++x)
-        {
-            if (image.pixel(x, y) != Untouched)
-                bounds |= QRect(x, y, 1, 1);
-        }
-    }
-    return bounds;
-}
-
 QImage BlackPicture()
 {
     QImage image(40, 30, QImage::Format_RGB32);
@@ -65,12 +50,6 @@ private Q_SLOTS:
     void StartPointLeavesEarlierSegmentsOut();
     void ArrowBarbsAreShortAndTurnedByThirtySixDegrees();
     void AnArrowWithoutALengthHasNoHead();
-    void TextShowsAtItsFirstPoint();
-    void TextHasItsSizeFromTheWidth();
-    void EmptyTextHasABoxOfABlank();
-    void TheTextBoxStandsOutUnevenly();
-    void TheTextBoxIsForTheLastEntryWhileTyping_data();
-    void TheTextBoxIsForTheLastEntryWhileTyping();
     void DrawingsAreCutToTheirHalf_data();
     void DrawingsAreCutToTheirHalf();
     void AHalfWithoutAPixelShowsNothing();
@@ -354,88 +333,6 @@ void tst_AnnotationOverlay::AnArrowWithoutALengthHasNoHead()
     QCOMPARE(mPair->viewer->GetArrowHeadPoint(here, here, 0.6f), here);
     const QRect bounds = PaintedBounds(Show(MakeFrame({MakeDrawing(DrawArrow, {here, here}, 0.02f)})));
     QVERIFY(bounds.width() <= 10 && bounds.height() <= 10);
-}
-
-void tst_AnnotationOverlay::TextShowsAtItsFirstPoint()
-{
-    DrawData text = MakeDrawing(DrawText, {{-0.25, -0.25}, {0.4, 0.3}}, 0.02f, Qt::white);
-    text.text = QStringLiteral("HHH");
-    const QRect bounds = PaintedBounds(Show(MakeFrame({text})));
-    QFont font;
-    font.setPointSizeF(double(0.02f * 400.0f * 4.0f));
-    const QFontMetricsF metrics(font);
-    QVERIFY(bounds.left() >= 100 && bounds.left() <= 100 + metrics.horizontalAdvance(QLatin1Char('H')) / 2);
-    QVERIFY(std::abs(bounds.width() - metrics.horizontalAdvance(text.text)) <
-            metrics.horizontalAdvance(QLatin1Char('H')) / 2);
-    QVERIFY(bounds.top() >= 50 && bounds.bottom() <= 50 + metrics.height());
-}
-
-void tst_AnnotationOverlay::TextHasItsSizeFromTheWidth()
-{
-    DrawData text = MakeDrawing(DrawText, {{-0.4, -0.3}, {0, 0}}, 0.01f, Qt::white);
-    text.text = QStringLiteral("H");
-    const int small = PaintedBounds(Show(MakeFrame({text}))).height();
-    text.width = 0.03f;
-    const int large = PaintedBounds(Show(MakeFrame({text}))).height();
-    QVERIFY2(std::abs(large - 3 * small) <= 3, qPrintable(QStringLiteral("%1 and %2").arg(small).arg(large)));
-}
-
-void tst_AnnotationOverlay::EmptyTextHasABoxOfABlank()
-{
-    Settings::textToolActive = true;
-    const DrawData blank = MakeDrawing(DrawText, {{-0.25, -0.25}, {0, 0}}, 0.02f, Qt::white);
-    const QRect bounds = PaintedBounds(Show(MakeFrame({blank})));
-    QFont font;
-    font.setPointSizeF(double(0.02f * 400.0f * 4.0f));
-    const QFontMetricsF metrics(font);
-    // The box's line is 2 wide, one pixel each side of it.
-    QVERIFY(std::abs(bounds.width() - (metrics.horizontalAdvance(QLatin1Char(' ')) + 8 + 2)) <= 2);
-    QVERIFY(std::abs(bounds.height() - (metrics.height() + 6 + 2)) <= 2);
-}
-
-void tst_AnnotationOverlay::TheTextBoxStandsOutUnevenly()
-{
-    DrawData text = MakeDrawing(DrawText, {{-0.25, -0.25}, {0, 0}}, 0.02f, Qt::white);
-    text.text = QStringLiteral("Wide enough");
-    QImage canvas(400, 300, QImage::Format_RGB32);
-    QRectF inner;
-    {
-        QPainter painter(&canvas);
-        QFont font;
-        font.setPointSizeF(double(0.02f * 400.0f * 4.0f));
-        painter.setFont(font);
-        painter.drawText(QRectF(100, 50, 4096, 4096), Qt::AlignLeft, text.text, &inner);
-    }
-    Settings::textToolActive = true;
-    const QRect bounds = PaintedBounds(Show(MakeFrame({text})));
-    // Edges lie at -4, -2, +4 and +4, and the line reaches a pixel further.
-    QVERIFY(std::abs(bounds.left() - (inner.left() - 5)) <= 1);
-    QVERIFY(std::abs(bounds.top() - (inner.top() - 3)) <= 1);
-    QVERIFY(std::abs(bounds.right() + 1 - (inner.right() + 5)) <= 1);
-    QVERIFY(std::abs(bounds.bottom() + 1 - (inner.bottom() + 5)) <= 1);
-}
-
-void tst_AnnotationOverlay::TheTextBoxIsForTheLastEntryWhileTyping_data()
-{
-    QTest::addColumn<bool>("typing");
-    QTest::addColumn<int>("last");
-    QTest::addColumn<bool>("boxed");
-    QTest::newRow("typing, last") << true << 0 << true;
-    QTest::newRow("not typing, last") << false << 0 << false;
-    QTest::newRow("typing, not last") << true << 1 << false;
-}
-
-void tst_AnnotationOverlay::TheTextBoxIsForTheLastEntryWhileTyping()
-{
-    QFETCH(bool, typing);
-    QFETCH(int, last);
-    QFETCH(bool, boxed);
-    DrawData text = MakeDrawing(DrawText, {{-0.25, -0.25}, {0, 0}}, 0.02f, Qt::white);
-    FrameData frame = MakeFrame({text, MakeDrawing(DrawNone, {{0, 0}, {0, 0}})});
-    frame.lastIndex = last;
-    Settings::textToolActive = typing;
-    // A blank has nothing to show but its box.
-    QCOMPARE(!PaintedBounds(Show(frame)).isNull(), boxed);
 }
 
 void tst_AnnotationOverlay::DrawingsAreCutToTheirHalf_data()
