@@ -208,10 +208,13 @@ void PlaybackController::GoToLast()
     SeekFrame(mRange.last);
 }
 
-void PlaybackController::SeekTime(int64_t time)
+void PlaybackController::SeekTime(int64_t time, bool audioScrub)
 {
-    if (const auto& lead = LeadingTimeline())
-        SeekFrame(lead->TimeToFrame(time));
+    const auto& lead = LeadingTimeline();
+    if (!lead)
+        return;
+    SeekFrame(lead->TimeToFrame(time));
+    Q_EMIT Sought(CurrentTime(), audioScrub);
 }
 
 void PlaybackController::SeekFrame(int frame)

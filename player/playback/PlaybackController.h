@@ -66,8 +66,8 @@ public Q_SLOTS:
     void GoToFirst();
     void GoToLast();
     /// Moves the playhead to the frame at @p time (microseconds); playback goes on if
-    /// Settings::continuePlayingAfterSeek is on.
-    void SeekTime(int64_t time);
+    /// Settings::continuePlayingAfterSeek is on. @p audioScrub asks for a grain of sound there.
+    void SeekTime(int64_t time, bool audioScrub = false);
     void SeekFrame(int frame);
     /// Holds playback while the user scrubs (@p scrubbing) and lets it go on after.
     void SetScrubbing(bool scrubbing);
@@ -86,6 +86,8 @@ Q_SIGNALS:
     void RangeChanged(int64_t startTime, int64_t endTime);
     /// Another timeline leads, or none; its range and playhead are reported next.
     void LeadingTimelineChanged();
+    /// The user sought @p time (microseconds); @p audioScrub says whether a grain of sound is wanted.
+    void Sought(int64_t time, bool audioScrub);
     void SpeedChanged(float speed);
     void SteppedChanged(bool stepped);
     /// Frames a second shown of late; 0 while not playing.

@@ -32,8 +32,7 @@ TimelineBinding::TimelineBinding(PlaybackController* playback, FrameLoader* load
 
 void TimelineBinding::ConnectTimeline(TimelineWidget* timeline)
 {
-    connect(timeline, SIGNAL(TimeChangeRequested(int64_t, bool)), this,
-            SLOT(OnTimeChangeRequested(int64_t, bool)));
+    connect(timeline, SIGNAL(TimeChangeRequested(int64_t, bool)), mPlayback, SLOT(SeekTime(int64_t, bool)));
     connect(timeline, SIGNAL(RangeChangeRequested(int64_t, int64_t)), mPlayback,
             SLOT(SetRange(int64_t, int64_t)));
     connect(timeline, SIGNAL(ScrubStateChanged(bool)), mPlayback, SLOT(SetScrubbing(bool)));
@@ -70,13 +69,6 @@ void TimelineBinding::OnLeadingTimelineChanged()
         timeline->SetDesiredFrameRate(lead ? static_cast<float>(lead->Info().frameRate.PerSecond()) : 0.0f);
     }
     UpdateCachedRange();
-}
-
-void TimelineBinding::OnTimeChangeRequested(int64_t time, bool audioScrub)
-{
-    // The player has no sound yet.
-    Q_UNUSED(audioScrub)
-    mPlayback->SeekTime(time);
 }
 
 void TimelineBinding::OnSteppedChanged(bool stepped)

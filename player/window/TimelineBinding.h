@@ -35,7 +35,6 @@ Q_SIGNALS:
 
 private Q_SLOTS:
     void OnLeadingTimelineChanged();
-    void OnTimeChangeRequested(int64_t time, bool audioScrub);
     void OnSteppedChanged(bool stepped);
     void UpdateCachedRange();
 

@@ -9,6 +9,7 @@
 #include "window/PlayerProbe.h"
 #include "window/PlayerWindow.h"
 
+#include <QSignalSpy>
 #include <QtTest>
 
 class tst_PlayerTimelines : public QObject
@@ -27,6 +28,7 @@ private Q_SLOTS:
     void PositionsAreKept();
     void TheCachedRangeShows();
     void BookmarksOfFramesAndRanges();
+    void ScrubbingCarriesTheWishForSound();
 
 private:
     TimelineWidget* Global() const
@@ -180,6 +182,23 @@ void tst_PlayerTimelines::BookmarksOfFramesAndRanges()
     QCOMPARE(mWindow->Playback()->Range().first, 30);
     QTest::keyClick(mWindow.get(), Qt::Key_B, Qt::ShiftModifier);
     QVERIFY(bookmarks->GetRangeBookmarks().isEmpty());
+}
+
+void tst_PlayerTimelines::ScrubbingCarriesTheWishForSound()
+{
+    QSignalSpy sought(mWindow->Playback(), SIGNAL(Sought(int64_t, bool)));
+    for (const bool wanted : {true, false})
+    {
+        Settings::audioScrub = wanted;
+        InputEvents::Press(Global(), PointOf(10));
+        InputEvents::Move(Global(), PointOf(30), Qt::LeftButton);
+        InputEvents::Release(Global(), PointOf(30));
+        QCOMPARE(sought.size(), 2);
+        QCOMPARE(sought.at(0).at(1).toBool(), false);
+        QCOMPARE(sought.at(1).at(1).toBool(), wanted);
+        QCOMPARE(sought.at(1).at(0).value<int64_t>(), mWindow->Playback()->CurrentTime());
+        sought.clear();
+    }
 }
 
 static const TestRegistration<tst_PlayerTimelines> PlayerTimelinesRegistration;
