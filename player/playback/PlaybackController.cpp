@@ -233,14 +233,12 @@ void PlaybackController::SeekFrame(int frame)
 
 void PlaybackController::SetScrubbing(bool scrubbing)
 {
-    if (scrubbing == mScrubbing)
-        return;
-    mScrubbing = scrubbing;
     if (scrubbing)
     {
-        const bool playing = mPlaying;
+        if (!mPlaying)
+            return;
         SetPlaying(false);
-        mResumeAfterScrub = playing;
+        mResumeAfterScrub = true;
     }
     else if (mResumeAfterScrub)
     {

@@ -127,7 +127,6 @@ private:
     PlaybackRange mRange;
     bool mPlaying = false;
     bool mResumeAfterScrub = false;
-    bool mScrubbing = false;
     float mSpeed = 1.0f;
     bool mStepped = false;
     PlaybackPosition mStart;

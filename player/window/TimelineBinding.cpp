@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "window/TimelineBinding.h"
 
+#include "host/Settings.h"
 #include "media/FrameLoader.h"
 #include "playback/PlaybackController.h"
 #include "project/MediaTimeline.h"
@@ -28,6 +29,8 @@ TimelineBinding::TimelineBinding(PlaybackController* playback, FrameLoader* load
     connect(playback, SIGNAL(LeadingTimelineChanged()), this, SLOT(OnLeadingTimelineChanged()));
     connect(playback, SIGNAL(SteppedChanged(bool)), this, SLOT(OnSteppedChanged(bool)));
     connect(loader, SIGNAL(CacheChanged(int)), this, SLOT(UpdateCachedRange()));
+    // The playhead may move from one run of cached frames to another.
+    connect(playback, SIGNAL(PlayheadMoved(int64_t)), this, SLOT(UpdateCachedRange()));
 }
 
 void TimelineBinding::ConnectTimeline(TimelineWidget* timeline)
@@ -65,6 +68,10 @@ void TimelineBinding::OnLeadingTimelineChanged()
     const std::shared_ptr<MediaTimeline>& lead = mPlayback->LeadingTimeline();
     for (TimelineWidget* const timeline : {mGlobalTimeline, mRangeTimeline})
     {
+        // A frame or a cached range that has the same numbers as before would pass as no change, and keep the
+        // times and frames of the timeline before.
+        timeline->SetTimeline({});
+        timeline->SetCachedRange(0, 0);
         timeline->SetTimeline(lead);
         timeline->SetDesiredFrameRate(lead ? static_cast<float>(lead->Info().frameRate.PerSecond()) : 0.0f);
     }
@@ -92,9 +99,11 @@ void TimelineBinding::UpdateCachedRange()
     auto run = ranges.upper_bound(frame);
     if (run != ranges.begin() && std::prev(run)->second >= frame)
         --run;
+    // An end before the start hides the line on both timelines.
     const bool any = run != ranges.end();
-    const int first = any ? run->first : 1;
-    const int last = any ? run->second : 0;
+    const int64_t startTime = lead->FrameToTime(any ? run->first : 2);
+    // Behind the start of the last frame, so that the line of a single frame shows.
+    const int64_t endTime = any ? lead->FrameToTime(run->second) + Settings::ROUNDING_ERROR_EXTRA_TIME : 0;
     for (TimelineWidget* const timeline : {mGlobalTimeline, mRangeTimeline})
-        timeline->SetCachedRange(any ? lead->FrameToTime(first) : 0, any ? lead->FrameToTime(last) : 0);
+        timeline->SetCachedRange(startTime, endTime);
 }

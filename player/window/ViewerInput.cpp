@@ -56,6 +56,9 @@ bool ViewerInput::eventFilter(QObject* watched, QEvent* event)
 
 void ViewerInput::Press(const QMouseEvent& event)
 {
+    // A second button during a scrub leaves it as it is.
+    if (mScrubbing && event.button() != Qt::LeftButton)
+        return;
     mPressPos = event.globalPos();
     Q_EMIT ViewerPressed(mStrokes->ViewerAt(event.globalPos()));
     if (event.button() != Qt::LeftButton || !Settings::drawEnabled)

@@ -19,6 +19,19 @@ namespace
 constexpr int FlagHalfWidth = 3;
 constexpr int FlagRise = 3;
 
+/// Whether @p painter paints pixels of 8 bits a channel, as a window's are, their colours ready to be
+/// blended. Elsewhere colours are rounded in other places, so that what is put together from parts may lie a
+/// shade beside what is painted in one.
+bool PaintsByteChannels(const QPainter* painter)
+{
+    // Not the painter's own device: that is the widget, also where it is rendered into a picture.
+    const QPaintDevice* const device = painter->paintEngine()->paintDevice();
+    if (device == nullptr || device->devType() != QInternal::Image)
+        return false;
+    const QImage::Format format = static_cast<const QImage*>(device)->format();
+    return format == QImage::Format_RGB32 || format == QImage::Format_ARGB32_Premultiplied;
+}
+
 /// Whether a fill at whole coordinates within @p area, the widget's rectangle, covers whole pixels. What is
 /// opaque then hides all below it, and a fill that nobody sees may be left out without changing a bit of the
 /// picture.
@@ -29,7 +42,8 @@ bool PaintsWholePixels(const QPainter* painter, const QRect& area)
 {
     const auto isWhole = [](qreal value) { return value == std::floor(value); };
     const QTransform transform = painter->deviceTransform();
-    if (painter->paintEngine()->type() != QPaintEngine::Raster || painter->device()->depth() < 24 ||
+    if (painter->paintEngine()->type() != QPaintEngine::Raster || !PaintsByteChannels(painter) ||
+        painter->compositionMode() != QPainter::CompositionMode_SourceOver || painter->opacity() < 1.0 ||
         painter->hasClipping() || transform.type() > QTransform::TxScale || !isWhole(transform.m11()) ||
         !isWhole(transform.m22()) || !isWhole(transform.dx()) || !isWhole(transform.dy()))
         return false;

@@ -253,6 +253,15 @@ void tst_SmoothSlider::PressOutsideClosesAFreeSliderAlone()
     QVERIFY(press.isAccepted());
     QVERIFY(!alone.isVisible());
     QCOMPARE(alone.value(), 50);
+
+    // A pop-up that belongs to a widget is that widget's to close.
+    SmoothSlider owned(Qt::Horizontal, mParent.get());
+    owned.setWindowFlags(Qt::Popup);
+    owned.show();
+    press.ignore();
+    QCoreApplication::sendEvent(&owned, &press);
+    QVERIFY(press.isAccepted());
+    QVERIFY(owned.isVisible());
 }
 
 void tst_SmoothSlider::EscapeHidesTheSliderAlone()

@@ -8,6 +8,7 @@
 
 #include <QApplication>
 #include <QCursor>
+#include <QPainter>
 #include <QtTest>
 
 class tst_TimelinePainting : public QObject
@@ -37,6 +38,7 @@ private Q_SLOTS:
     void HoverMarkerFollowsTheMouse();
     void HeldLeftButtonHidesTheHoverMarker();
     void HoveredRangeShowsBothGripsAndNoMarker();
+    void StepsLeaveThePainterToTheNext();
     void HugeFramesAndTimesPaint();
 
 private:
@@ -283,10 +285,77 @@ void tst_TimelinePainting::HeldLeftButtonHidesTheHoverMarker()
     InputEvents::Press(&global, QPoint(400, 10));
     QByteArray difference = Difference(global.grab().toImage(), state);
     QVERIFY2(difference.isEmpty(), difference);
-    InputEvents::Release(&global, QPoint(400, 10));
+    // With another button held too, the marker is back.
+    const QPoint pressed(400, 10);
+    qt_handleMouseEvent(global.windowHandle(), pressed, global.mapToGlobal(pressed),
+                        Qt::LeftButton | Qt::MiddleButton, Qt::MiddleButton, QEvent::MouseButtonPress,
+                        Qt::NoModifier, 1);
+    QApplication::processEvents();
     state.cursor = QPoint(400, 10);
     difference = Difference(global.grab().toImage(), state);
     QVERIFY2(difference.isEmpty(), difference);
+    InputEvents::Release(&global, QPoint(400, 10));
+    difference = Difference(global.grab().toImage(), state);
+    QVERIFY2(difference.isEmpty(), difference);
+}
+
+namespace
+{
+
+/// Notes what a step finds on the painter.
+class PainterSpy : public GlobalProbe
+{
+public:
+    QStringList found;
+
+protected:
+    void DrawRangeBookmarks(QPainter* painter) override
+    {
+        Note("range bookmarks", painter);
+        GlobalProbe::DrawRangeBookmarks(painter);
+    }
+    void DrawTimeBookmarks(QPainter* painter) override
+    {
+        Note("frame bookmarks", painter);
+        GlobalProbe::DrawTimeBookmarks(painter);
+    }
+    void DrawRangePosition(QPainter* painter) override
+    {
+        Note("position", painter);
+        GlobalProbe::DrawRangePosition(painter);
+    }
+    void DrawFrameRates(QPainter* painter) override
+    {
+        Note("rates", painter);
+        GlobalProbe::DrawFrameRates(painter);
+    }
+
+private:
+    void Note(const char* step, const QPainter* painter)
+    {
+        const QPen pen = painter->pen();
+        found << QStringLiteral("%1: pen %2 of %3, brush %4, font %5")
+                     .arg(QLatin1String(step), pen.color().name(QColor::HexArgb))
+                     .arg(pen.width())
+                     .arg(painter->brush().style() == Qt::NoBrush
+                              ? QStringLiteral("none")
+                              : painter->brush().color().name(QColor::HexArgb))
+                     .arg(painter->font().pointSize());
+    }
+};
+
+} // namespace
+
+void tst_TimelinePainting::StepsLeaveThePainterToTheNext()
+{
+    TimelineState state = HundredFrames(700);
+    state.timeline->MarkFrame(30, false);
+    PainterSpy spy;
+    Picture(spy, state);
+    QCOMPARE(spy.found, (QStringList{"range bookmarks: pen #ffc8c8c8 of 2, brush none, font -1",
+                                     "frame bookmarks: pen #ffc8c8c8 of 2, brush #ff000000, font -1",
+                                     "position: pen #c8ffffff of 1, brush #ff000000, font 15",
+                                     "rates: pen #ff8c8c8c of 1, brush #ff000000, font 8"}));
 }
 
 void tst_TimelinePainting::HoveredRangeShowsBothGripsAndNoMarker()

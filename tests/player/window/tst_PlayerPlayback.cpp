@@ -38,6 +38,7 @@ private Q_SLOTS:
     void TwoViewersShowTheSameTime();
     void DoubleClickTogglesPlayback();
     void DraggingOverThePictureScrubs();
+    void ASecondButtonLeavesTheScrubAsItIs();
     void CtrlWheelZoomsIn();
     void DroppedFilesOpenInTheViewerUnderThem();
     void BadFilesAreReported_data();
@@ -206,6 +207,21 @@ void tst_PlayerPlayback::DraggingOverThePictureScrubs()
     QVERIFY(mWindow->Playback()->CurrentFrame() < scrubbed);
     InputEvents::Release(viewer, QPoint(240, 200));
     QVERIFY(mWindow->Playback()->IsPlaying());
+}
+
+void tst_PlayerPlayback::ASecondButtonLeavesTheScrubAsItIs()
+{
+    ViewerWidget* const viewer = mWindow->Viewer();
+    InputEvents::Press(viewer, QPoint(200, 200));
+    InputEvents::Move(viewer, QPoint(320, 200), Qt::LeftButton);
+    const int scrubbed = mWindow->Playback()->CurrentFrame();
+    QVERIFY(scrubbed > 25);
+    QMouseEvent press(QEvent::MouseButtonPress, QPoint(320, 200), viewer->mapToGlobal(QPoint(320, 200)),
+                      Qt::MiddleButton, Qt::LeftButton | Qt::MiddleButton, Qt::NoModifier);
+    QApplication::sendEvent(viewer, &press);
+    InputEvents::Move(viewer, QPoint(321, 200), Qt::LeftButton);
+    QVERIFY(std::abs(mWindow->Playback()->CurrentFrame() - scrubbed) <= 1);
+    InputEvents::Release(viewer, QPoint(321, 200));
 }
 
 void tst_PlayerPlayback::CtrlWheelZoomsIn()

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "host/Settings.h"
+#include "media/FrameLoader.h"
+#include "media/NumberedMedia.h"
 #include "playback/PlaybackController.h"
+#include "project/MediaLibrary.h"
 #include "project/MediaTimeline.h"
 #include "support/InputEvents.h"
 #include "support/TestRegistry.h"
@@ -27,10 +30,18 @@ private Q_SLOTS:
     void ThePlayheadFollowsPlayback();
     void PositionsAreKept();
     void TheCachedRangeShows();
+    void TheCachedRangeIsLookedUpAsThePlayheadMoves();
+    void NothingCachedShowsNoLine();
+    void AnotherTimelineBringsItsOwnTimes();
+    void AScrubHoldsWhatBeganDuringALostOne();
     void BookmarksOfFramesAndRanges();
     void ScrubbingCarriesTheWishForSound();
 
 private:
+    /// Opens a movie of @p frames at 48 frames a second in viewer B, and makes it lead.
+    bool LeadWithOther(int frames);
+    /// Whether the global timeline's cache line covers @p frame of @p count.
+    bool ShowsCached(int frame, int count) const;
     TimelineWidget* Global() const
     {
         return mWindow->findChild<TimelineWidget*>(QStringLiteral("globalTimeline"));
@@ -161,6 +172,84 @@ void tst_PlayerTimelines::TheCachedRangeShows()
     const auto middleOfLine = [this]
     { return QColor(Global()->grab().toImage().pixel(Global()->width() / 2, 31)); };
     QTRY_VERIFY_WITH_TIMEOUT(middleOfLine().blue() > middleOfLine().red() + 30, 10000);
+}
+
+bool tst_PlayerTimelines::ShowsCached(int frame, int count) const
+{
+    const int x = 100 + (2 * frame - 1) * (Global()->width() - 200) / (2 * count);
+    const QColor color(Global()->grab().toImage().pixel(x, 31));
+    return color.blue() > color.red() + 30;
+}
+
+bool tst_PlayerTimelines::LeadWithOther(int frames)
+{
+    const QString path = NumberedMedia::Movie(
+        QStringLiteral("player-48-%1.mov").arg(frames), frames, QStringLiteral("48"),
+        QStringLiteral("-c:v mjpeg -q:v 3 -pix_fmt yuvj420p").split(QLatin1Char(' ')), QSize(320, 180));
+    mWindow->OpenFiles({path}, 1);
+    const auto* const loader = mWindow->findChild<FrameLoader*>();
+    const auto isCached = [&]
+    {
+        const auto& timeline = mWindow->Playback()->TimelineOf(1);
+        const auto* const entry = timeline ? &mWindow->Media()->Entries().back() : nullptr;
+        return entry != nullptr && loader->CachedRanges(entry->media) == std::map<int, int>{{1, frames}};
+    };
+    if (!QTest::qWaitFor(isCached, 20000))
+        return false;
+    mWindow->Playback()->SetActiveViewer(1);
+    return true;
+}
+
+void tst_PlayerTimelines::TheCachedRangeIsLookedUpAsThePlayheadMoves()
+{
+    QTRY_VERIFY_WITH_TIMEOUT(ShowsCached(60, 60), 10000);
+    // Out of date, and no change of the cache is to come.
+    QTest::qWait(300);
+    Global()->SetCachedRange(0, 0);
+    QVERIFY(!ShowsCached(60, 60));
+    mWindow->Playback()->SeekFrame(30);
+    QVERIFY(ShowsCached(60, 60));
+}
+
+void tst_PlayerTimelines::NothingCachedShowsNoLine()
+{
+    QTRY_VERIFY_WITH_TIMEOUT(ShowsCached(60, 60), 10000);
+    QTest::qWait(300);
+    mWindow->Playback()->SeekFrame(30);
+    const auto firstFrame = [this] { return QColor(Range()->grab().toImage().pixel(54, 29)); };
+    QVERIFY(firstFrame().blue() > firstFrame().red() + 30);
+    // Without its medium the loader keeps nothing.
+    mWindow->findChild<FrameLoader*>()->Close(mWindow->Media()->Entries().front().media);
+    mWindow->Playback()->SeekFrame(31);
+    QCOMPARE(firstFrame(), QColor(64, 64, 64));
+    QVERIFY(!ShowsCached(1, 60));
+}
+
+void tst_PlayerTimelines::AnotherTimelineBringsItsOwnTimes()
+{
+    // The other medium's cached range ends at the same time, by twice the frames.
+    QTRY_VERIFY_WITH_TIMEOUT(ShowsCached(60, 60), 10000);
+    QVERIFY(LeadWithOther(119));
+    QVERIFY(ShowsCached(110, 119));
+    // The other medium has no frame after 21, which begins long before this one's frame 21.
+    mWindow->Playback()->SetActiveViewer(0);
+    mWindow->Playback()->SeekFrame(21);
+    QVERIFY(LeadWithOther(21));
+    QCOMPARE(mWindow->Playback()->CurrentFrame(), 21);
+    const int playhead = 50 + 20 * (Range()->width() - 100) / 21;
+    QVERIFY(QColor(Range()->grab().toImage().pixel(playhead, 36)).red() > 150);
+}
+
+void tst_PlayerTimelines::AScrubHoldsWhatBeganDuringALostOne()
+{
+    PlaybackController* const playback = mWindow->Playback();
+    // A scrub whose end is never told.
+    playback->SetScrubbing(true);
+    playback->Play(1);
+    playback->SetScrubbing(true);
+    QVERIFY(!playback->IsPlaying());
+    playback->SetScrubbing(false);
+    QVERIFY(playback->IsPlaying());
 }
 
 void tst_PlayerTimelines::BookmarksOfFramesAndRanges()
