@@ -3,6 +3,7 @@
 
 #include "host/Logger.h"
 #include "host/Settings.h"
+#include "kit/VectorState.h"
 
 #include <QPainter>
 
@@ -111,6 +112,7 @@ void SoftwareViewer::PaintPicture(int index, const QSize& slotSize, QPainter& pa
     if (image.isNull())
         return;
     const QSize fitted = image.size().scaled(slotSize, Qt::KeepAspectRatio);
+    VectorState::ClearUpperHalves();
     const QImage scaled = image.scaled(fitted, Qt::KeepAspectRatio, Qt::SmoothTransformation);
 
     int x = static_cast<int>(static_cast<float>(slotSize.width() - scaled.width()) * 0.5f);
