@@ -8,6 +8,8 @@
 #include <QApplication>
 #include <QtTest>
 
+#include <cmath>
+
 #include <limits>
 
 class tst_GlobalTimelineWidget : public QObject
@@ -463,6 +465,7 @@ void tst_GlobalTimelineWidget::TimerServesPendingUpdates_data()
     QTest::newRow("stopped") << false << 60.0f << 1.0f << true;
     QTest::newRow("playing at 24") << true << 24.0f << 1.0f << false;
     QTest::newRow("playing at 23.976") << true << 23.976f << 1.0f << true;
+    QTest::newRow("playing just below 24") << true << std::nextafter(24.0f, 0.0f) << 1.0f << true;
     QTest::newRow("playing faster") << true << 12.0f << 2.0f << false;
     QTest::newRow("playing slower") << true << 60.0f << 0.25f << true;
     QTest::newRow("playing backwards") << true << 60.0f << -1.0f << true;

@@ -36,6 +36,7 @@ private Q_SLOTS:
     void JogAsksForFrameZeroAndNoFurther();
     void JogStopsPastTheLastFrame();
     void JogCarriesTheOtherEndAlong();
+    void JogOntoTheOtherEndKeepsItsTime();
     void JogPushesThePlayheadOnlyOutOfTheWay();
     void JogUsesGlobalTravel();
     void RandomJogsAskForWhatTheRulesSay();
@@ -354,6 +355,25 @@ void tst_RangeTimelineWidget::JogCarriesTheOtherEndAlong()
     Drag(RightPanel - QPoint(60, 0));
     QCOMPARE(mHost->Take(), (QStringList{Range(32, 32), Time(32)}));
     QCOMPARE(mProbe->GetRangeStartFrame(), 32);
+}
+
+void tst_RangeTimelineWidget::JogOntoTheOtherEndKeepsItsTime()
+{
+    // Both ends lie within their frames.
+    const int64_t start = mTimeline->frameToTime(30) + 700;
+    const int64_t end = mTimeline->frameToTime(32) + 900;
+    mHost->answers = false;
+    mProbe->SetPlaybackRange(start, end);
+    mProbe->SetPlaybackTime(mTimeline->frameToTime(31));
+    Press(LeftPanel);
+    mHost->Take();
+    Drag(LeftPanel + QPoint(40, 0));
+    QCOMPARE(mHost->Take(), (QStringList{TimelineHost::Range(mTimeline->frameToTime(32), end), Time(32)}));
+    Release();
+    Press(RightPanel);
+    mHost->Take();
+    Drag(RightPanel - QPoint(40, 0));
+    QCOMPARE(mHost->Take(), (QStringList{TimelineHost::Range(start, mTimeline->frameToTime(30)), Time(30)}));
 }
 
 void tst_RangeTimelineWidget::JogPushesThePlayheadOnlyOutOfTheWay()
