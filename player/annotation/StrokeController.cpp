@@ -46,6 +46,11 @@ bool StrokeController::IsDrawing() const
     return mTarget.store != nullptr;
 }
 
+int StrokeController::DrawingViewer() const
+{
+    return IsDrawing() ? mViewerIndex : -1;
+}
+
 int StrokeController::ViewerAt(const QPoint& globalPos) const
 {
     // Zoomed, the viewer's own answer takes the far part of the picture for outside; strokes must go where

@@ -44,6 +44,8 @@ public:
     /// Takes the stroke in progress back.
     void Cancel();
     bool IsDrawing() const;
+    /// The viewer (0 or 1) that is being drawn in; -1 for none.
+    int DrawingViewer() const;
 
     /// Clears the annotations that viewer @p viewer shows, as a step of the undo stack.
     void ClearFrame(int viewer);

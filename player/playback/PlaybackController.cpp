@@ -48,9 +48,10 @@ void PlaybackController::SetTimeline(int viewer, std::shared_ptr<MediaTimeline> 
 void PlaybackController::FollowLeader()
 {
     const auto& lead = LeadingTimeline();
-    mRange = PlaybackRange{1, lead ? lead->Info().frameCount : 1};
+    mRange = lead ? lead->Range() : PlaybackRange();
     Q_EMIT LeadingTimelineChanged();
-    Q_EMIT RangeChanged(lead ? lead->GetStartTime() : 0, lead ? lead->GetEndTime() : 0);
+    Q_EMIT RangeChanged(lead ? lead->FrameToTime(mRange.first) : 0,
+                        lead ? lead->FrameToTime(mRange.last) : 0);
 }
 
 const std::shared_ptr<MediaTimeline>& PlaybackController::TimelineOf(int viewer) const
@@ -161,6 +162,14 @@ void PlaybackController::Pause()
     SetPlaying(false);
 }
 
+void PlaybackController::HoldShownFrame()
+{
+    Pause();
+    const Viewer& lead = mViewers[LeadingViewer()];
+    if (lead.timeline && lead.shown > 0 && lead.shown != lead.wanted)
+        MovePlayhead(lead.shown, mPosition.direction);
+}
+
 void PlaybackController::TogglePlayback()
 {
     if (mPlaying)
@@ -257,6 +266,7 @@ void PlaybackController::SetRange(int64_t startTime, int64_t endTime)
         return;
     const int first = lead->TimeToFrame(startTime);
     mRange = PlaybackRange{first, std::max(first, lead->TimeToFrame(endTime))};
+    lead->SetRange(mRange);
     if (mPlaying)
         StartClock();
     Q_EMIT RangeChanged(lead->FrameToTime(mRange.first), lead->FrameToTime(mRange.last));

@@ -59,6 +59,8 @@ public Q_SLOTS:
     /// Plays forwards (1) or backwards (-1).
     void Play(int direction);
     void Pause();
+    /// Pauses on the frame that is on screen, whatever the clock says, so that it can be drawn on.
+    void HoldShownFrame();
     /// Pauses, or plays forwards.
     void TogglePlayback();
     /// Pauses and moves the playhead by @p frames, within the range.
@@ -71,7 +73,8 @@ public Q_SLOTS:
     void SeekFrame(int frame);
     /// Holds playback while the user scrubs (@p scrubbing) and lets it go on after.
     void SetScrubbing(bool scrubbing);
-    /// Limits playback to the frames from @p startTime to @p endTime (microseconds), both included.
+    /// Limits playback to the frames from @p startTime to @p endTime (microseconds), both included. The
+    /// leading timeline keeps the range while another leads.
     void SetRange(int64_t startTime, int64_t endTime);
     /// Plays @p speed times as fast (0.05 to 16).
     void SetSpeed(float speed);

@@ -12,6 +12,7 @@ MediaTimeline::MediaTimeline(const MediaInfo& info)
 {
     mElement.id = QUuid::createUuid();
     mElement.frameCount = info.frameCount;
+    mRange.last = info.frameCount;
 }
 
 const MediaInfo& MediaTimeline::Info() const
@@ -22,6 +23,16 @@ const MediaInfo& MediaTimeline::Info() const
 const std::shared_ptr<AnnotationStore>& MediaTimeline::Annotations() const
 {
     return mAnnotations;
+}
+
+const PlaybackRange& MediaTimeline::Range() const
+{
+    return mRange;
+}
+
+void MediaTimeline::SetRange(const PlaybackRange& range)
+{
+    mRange = range;
 }
 
 const QString& MediaTimeline::GetName()

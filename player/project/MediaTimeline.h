@@ -5,6 +5,7 @@
 #include "host/Source.h"
 #include "host/Timeline.h"
 #include "media/MediaInfo.h"
+#include "playback/PlaybackRange.h"
 
 #include <QSet>
 
@@ -23,6 +24,10 @@ public:
     const MediaInfo& Info() const;
     /// The annotations of the medium's frames; lives on while an undo step holds it.
     const std::shared_ptr<AnnotationStore>& Annotations() const;
+
+    /// The frames that playback stays within; the whole timeline at first.
+    const PlaybackRange& Range() const;
+    void SetRange(const PlaybackRange& range);
 
     const QString& GetName() override;
     bool IsSourceTimeline() override;
@@ -54,6 +59,7 @@ private:
     std::shared_ptr<Source> mSource;
     std::shared_ptr<AnnotationStore> mAnnotations = std::make_shared<AnnotationStore>();
     ElementInfo mElement;
+    PlaybackRange mRange;
     /// Frames that the user marked, apart from those that are marked for their drawings.
     QSet<int> mMarkedFrames;
     int mViewerIndex = -1;

@@ -362,7 +362,8 @@ void PlayerWindow::UpdateMediaMenu()
 
 void PlayerWindow::OnPictureReady(int viewer, int frame, const ReadResult& result)
 {
-    mStrokes->Cancel();
+    if (mStrokes->DrawingViewer() == viewer)
+        mStrokes->Cancel();
     if (auto* const glWidget = mViewer->findChild<QOpenGLWidget*>())
         glWidget->makeCurrent();
     if (result.image.isNull())

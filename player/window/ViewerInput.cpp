@@ -63,7 +63,7 @@ void ViewerInput::Press(const QMouseEvent& event)
     Q_EMIT ViewerPressed(mStrokes->ViewerAt(event.globalPos()));
     if (event.button() != Qt::LeftButton || !Settings::drawEnabled)
         return;
-    mPlayback->Pause();
+    mPlayback->HoldShownFrame();
     mStrokes->Press(event.globalPos());
 }
 

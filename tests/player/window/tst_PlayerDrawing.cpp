@@ -174,10 +174,16 @@ void tst_PlayerDrawing::DrawingPausesPlayback()
 {
     QTest::keyClick(mWindow.get(), Qt::Key_Space);
     QVERIFY(mWindow->Playback()->IsPlaying());
+    QTest::qWait(300);
     InputEvents::Press(mWindow->Viewer(), QPoint(300, 250));
     QVERIFY(!mWindow->Playback()->IsPlaying());
+    // The stroke goes on the frame that was on screen, and no late picture takes it away.
+    const int frame = mWindow->Playback()->ShownFrame(0);
+    QCOMPARE(mWindow->Playback()->CurrentFrame(), frame);
+    QTest::qWait(300);
     InputEvents::Release(mWindow->Viewer(), QPoint(400, 250));
     QVERIFY(!mWindow->Playback()->IsPlaying());
+    QCOMPARE(mWindow->Playback()->TimelineOf(0)->Annotations()->AnnotatedFrames(), (QVector<int>{frame}));
 }
 
 void tst_PlayerDrawing::HiddenAnnotationsAreHidden()

@@ -36,6 +36,7 @@ private Q_SLOTS:
     void AScrubHoldsWhatBeganDuringALostOne();
     void BookmarksOfFramesAndRanges();
     void ScrubbingCarriesTheWishForSound();
+    void EachTimelineKeepsItsRange();
 
 private:
     /// Opens a movie of @p frames at 48 frames a second in viewer B, and makes it lead.
@@ -288,6 +289,23 @@ void tst_PlayerTimelines::ScrubbingCarriesTheWishForSound()
         QCOMPARE(sought.at(1).at(0).value<int64_t>(), mWindow->Playback()->CurrentTime());
         sought.clear();
     }
+}
+
+void tst_PlayerTimelines::EachTimelineKeepsItsRange()
+{
+    const QString other = NumberedMedia::Movie(
+        QStringLiteral("player-48.mov"), 96, QStringLiteral("48"),
+        QStringLiteral("-c:v mjpeg -q:v 3 -pix_fmt yuvj420p").split(QLatin1Char(' ')), QSize(320, 180));
+    mWindow->OpenFiles({other}, 1);
+    QTRY_COMPARE_WITH_TIMEOUT(mWindow->Playback()->ShownFrame(1), 1, 10000);
+    MediaTimeline& first = *mWindow->Playback()->TimelineOf(0);
+    mWindow->Playback()->SetRange(first.FrameToTime(10), first.FrameToTime(20));
+    mWindow->Playback()->SetActiveViewer(1);
+    QCOMPARE(Global()->GetRangeEndFrame(), 96);
+    mWindow->Playback()->SetActiveViewer(0);
+    QCOMPARE(Global()->GetRangeStartFrame(), 10);
+    QCOMPARE(Global()->GetRangeEndFrame(), 20);
+    QCOMPARE(mWindow->Playback()->Range().last, 20);
 }
 
 static const TestRegistration<tst_PlayerTimelines> PlayerTimelinesRegistration;
