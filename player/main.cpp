@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "host/Logger.h"
 #include "host/Settings.h"
+#include "viewers/ViewerWidget.h"
 #include "window/DarkPalette.h"
 #include "window/PlayThrough.h"
 #include "window/PlayerWindow.h"
@@ -8,6 +9,7 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QScreen>
 #include <QStyleFactory>
 #include <QSurfaceFormat>
 #include <QTimer>
@@ -65,7 +67,10 @@ void TakeScreenshot(PlayerWindow* window, const QString& path)
 {
     const auto take = [window, path]
     {
-        const bool saved = window->grab().save(path);
+        // OpenGL's part of a window is on the screen alone.
+        const bool usesOpenGL = window->Viewer()->GetViewerType() == OpenGL;
+        const QPixmap picture = usesOpenGL ? window->screen()->grabWindow(window->winId()) : window->grab();
+        const bool saved = picture.save(path);
         if (!saved)
             Logger::GetInstance()->Error(
                 QStringLiteral("The screenshot could not be written to %1").arg(path));

@@ -2,7 +2,6 @@
 #include "window/PlayerWindow.h"
 
 #include "annotation/AnnotationStore.h"
-#include "annotation/FullPaint.h"
 #include "annotation/StrokeController.h"
 #include "host/Logger.h"
 #include "host/Settings.h"
@@ -13,26 +12,24 @@
 #include "timelines/TimelineWidget.h"
 #include "viewers/ViewerWidget.h"
 #include "window/CommandTable.h"
-#include "window/DemoDrawing.h"
 #include "window/MessageBar.h"
-#include "window/OverlayPresenter.h"
 #include "window/TimelineBinding.h"
 #include "window/ViewerInput.h"
+#include "window/ViewerPictures.h"
 
 #include <QAction>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
-#include <QFileDialog>
-#include <QFileInfo>
 #include <QLabel>
 #include <QMenuBar>
 #include <QMimeData>
-#include <QOpenGLWidget>
 #include <QStatusBar>
+#include <QTimer>
 #include <QUrl>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 namespace
 {
@@ -78,14 +75,14 @@ PlayerWindow::PlayerWindow()
 PlayerWindow::~PlayerWindow()
 {
     // The viewers hold plain pointers to the annotations of timelines that go before them.
-    mViewer->ClearAll();
+    ViewerPictures::Clear(mViewer, -1);
 }
 
 void PlayerWindow::CreateWidgets()
 {
     mLoader = new FrameLoader(this);
     mPlayback = new PlaybackController(mLoader, this);
-    mViewer = new ViewerWidget(this);
+    CreateViewer();
     mMedia = new MediaLibrary(
         mLoader, mViewer->GetViewerType() == OpenGL ? QImage::Format_RGB888 : QImage::Format_RGB32, this);
     mViewer->setObjectName(QStringLiteral("viewer"));
@@ -104,6 +101,37 @@ void PlayerWindow::CreateWidgets()
     mInput = new ViewerInput(mViewer, mStrokes, mPlayback, this);
     mTimelines = new TimelineBinding(mPlayback, mLoader, this, this);
     mMessages = new MessageBar(this);
+}
+
+void PlayerWindow::CreateViewer()
+{
+    QString reason;
+    const bool wanted = Settings::hardwareAcceleratedPlayback;
+    const bool usable = wanted && ViewerPictures::HasUsableOpenGL(&reason);
+    // The viewer reads the setting when it is built; the user's wish stays for a better driver.
+    Settings::hardwareAcceleratedPlayback = usable;
+    mViewer = new ViewerWidget(this);
+    Settings::hardwareAcceleratedPlayback = wanted;
+    if (wanted && !usable)
+        mStartMessage = tr("Hardware accelerated playback is off: %1.").arg(reason);
+}
+
+void PlayerWindow::showEvent(QShowEvent* event)
+{
+    QMainWindow::showEvent(event);
+    if (!mStartMessage.isEmpty())
+        Logger::GetInstance()->Warning(std::exchange(mStartMessage, QString()));
+    if (mViewer->GetViewerType() == OpenGL)
+        QTimer::singleShot(0, this, [this] { ReportFailedOpenGL(); });
+}
+
+void PlayerWindow::ReportFailedOpenGL()
+{
+    // The back end is set up by its first paint.
+    mViewer->grab();
+    if (!mViewer->IsInitialized())
+        Logger::GetInstance()->Error(
+            tr("OpenGL could not be set up. Turn hardware accelerated playback off and start again."));
 }
 
 void PlayerWindow::CreateActions()
@@ -232,299 +260,6 @@ StrokeController* PlayerWindow::Strokes() const
     return mStrokes;
 }
 
-void PlayerWindow::OpenFiles(const QStringList& paths, int viewer)
-{
-    mMessages->Clear();
-    for (const QString& path : paths)
-    {
-        mMedia->Open(path, viewer);
-        viewer = -1;
-    }
-    UpdateStatus();
-}
-
-void PlayerWindow::OpenFromDialog(int viewer)
-{
-    const QStringList patterns = MediaNamePatterns();
-    const QStringList paths = QFileDialog::getOpenFileNames(
-        this, viewer == 0 ? tr("Open Media") : tr("Open Media in Viewer B"), QString(),
-        tr("Movies and Images (%1);;All Files (*)").arg(patterns.join(QLatin1Char(' '))));
-    if (!paths.isEmpty())
-        OpenFiles(paths, viewer);
-}
-
-void PlayerWindow::OnMediaOpened(int index, int viewer)
-{
-    const MediaInfo& info = mMedia->Entries()[static_cast<size_t>(index)].timeline->Info();
-    Logger::GetInstance()->Info(tr("Opened %1: %2 x %3, %4 frames at %5 frames per second, %6")
-                                    .arg(info.path)
-                                    .arg(info.width)
-                                    .arg(info.height)
-                                    .arg(info.frameCount)
-                                    .arg(info.frameRate.PerSecond(), 0, 'g', 6)
-                                    .arg(info.codecName));
-    if (info.missingFrames > 0)
-        Logger::GetInstance()->Warning(tr("%1: %2 of %3 frames have no file")
-                                           .arg(info.path)
-                                           .arg(info.missingFrames)
-                                           .arg(info.frameCount));
-    UpdateMediaMenu();
-    // A medium that is opened beside others goes to the first viewer only while nothing is there.
-    if (viewer < 0 && !mPlayback->TimelineOf(0) && !mMedia->IsOpening())
-        viewer = 0;
-    if (viewer >= 0)
-        ShowEntry(index, viewer);
-    EmitIfSettled();
-}
-
-void PlayerWindow::OnMediaFailed(const QString& text)
-{
-    Logger::GetInstance()->Error(text);
-    UpdateStatus();
-    EmitIfSettled();
-}
-
-void PlayerWindow::ShowEntry(int index, int viewer)
-{
-    const MediaLibrary::Entry& entry = mMedia->Entries()[static_cast<size_t>(index)];
-    mStrokes->Cancel();
-    if (const auto& old = mPlayback->TimelineOf(viewer); old && old != entry.timeline)
-        old->SetViewerIndex(-1);
-    entry.timeline->SetViewerIndex(viewer);
-    mViewer->Clear(viewer);
-    if (viewer == 1 && mViewer->GetViewerLayout() == Single)
-        SetLayout(Horizontal);
-    mPlayback->SetTimeline(viewer, entry.timeline, entry.media);
-    UpdateTitle();
-    UpdateMediaMenu();
-    UpdateStatus();
-    if (mDemoDrawing && viewer == 0)
-    {
-        mDemoDrawing = false;
-        DemoDrawing::AddTo(entry.timeline.get());
-        PresentOverlays();
-        RefreshViewers();
-    }
-    if (mPlayWhenReady && !mMedia->IsOpening())
-    {
-        mPlayWhenReady = false;
-        mPlayback->Play(1);
-    }
-}
-
-void PlayerWindow::DrawDemoWhenReady()
-{
-    mDemoDrawing = true;
-}
-
-void PlayerWindow::PlayWhenReady()
-{
-    mPlayWhenReady = true;
-}
-
-void PlayerWindow::ShowNeighbourEntry(int step)
-{
-    const std::vector<MediaLibrary::Entry>& entries = mMedia->Entries();
-    const int viewer = mPlayback->ActiveViewer();
-    const auto shown = std::find_if(entries.begin(), entries.end(),
-                                    [&](const MediaLibrary::Entry& entry)
-                                    { return entry.timeline == mPlayback->TimelineOf(viewer); });
-    if (entries.empty())
-        return;
-    const int count = static_cast<int>(entries.size());
-    const int current = shown == entries.end() ? 0 : static_cast<int>(shown - entries.begin());
-    ShowEntry((current + step + count) % count, viewer);
-}
-
-void PlayerWindow::UpdateMediaMenu()
-{
-    mMediaMenu->clear();
-    mCommands->FillMenu(QStringLiteral("media"), mMediaMenu);
-    mMediaMenu->addSeparator();
-    const std::vector<MediaLibrary::Entry>& entries = mMedia->Entries();
-    for (int index = 0; index < static_cast<int>(entries.size()); ++index)
-    {
-        MediaTimeline& timeline = *entries[static_cast<size_t>(index)].timeline;
-        QString name = timeline.GetName();
-        name.replace(QLatin1Char('&'), QLatin1String("&&"));
-        QAction* const action = mMediaMenu->addAction(name);
-        action->setToolTip(timeline.Info().path);
-        action->setCheckable(true);
-        action->setChecked(timeline.GetViewerIndex() >= 0);
-        connect(action, &QAction::triggered, this,
-                [this, index]
-                {
-                    ShowEntry(index, mPlayback->ActiveViewer());
-                    UpdateMediaMenu();
-                });
-    }
-}
-
-void PlayerWindow::OnPictureReady(int viewer, int frame, const ReadResult& result)
-{
-    if (mStrokes->DrawingViewer() == viewer)
-        mStrokes->Cancel();
-    if (auto* const glWidget = mViewer->findChild<QOpenGLWidget*>())
-        glWidget->makeCurrent();
-    if (result.image.isNull())
-        mViewer->Clear(viewer);
-    else
-        mViewer->SetImage(viewer, result.image, false);
-    const std::shared_ptr<MediaTimeline>& timeline = mPlayback->TimelineOf(viewer);
-    OverlayPresenter::Present(mViewer, viewer, timeline->Annotations().get(), frame);
-    RefreshViewers();
-    EmitIfSettled();
-}
-
-void PlayerWindow::OnFrameFailed(int media, int frame, const QString& text)
-{
-    Q_UNUSED(media)
-    Q_UNUSED(frame)
-    Logger::GetInstance()->Error(text);
-}
-
-void PlayerWindow::EmitIfSettled()
-{
-    if (mMedia->IsOpening())
-        return;
-    for (int viewer = 0; viewer < PlaybackController::ViewerCount; ++viewer)
-    {
-        if (mPlayback->ShownFrame(viewer) != mPlayback->WantedFrame(viewer))
-            return;
-    }
-    Q_EMIT Settled();
-}
-
-void PlayerWindow::PresentOverlays()
-{
-    for (int viewer = 0; viewer < PlaybackController::ViewerCount; ++viewer)
-    {
-        const std::shared_ptr<MediaTimeline>& timeline = mPlayback->TimelineOf(viewer);
-        OverlayPresenter::Present(mViewer, viewer, timeline ? timeline->Annotations().get() : nullptr,
-                                  mPlayback->ShownFrame(viewer));
-    }
-}
-
-void PlayerWindow::RefreshViewers()
-{
-    // While playing every paint is a full one: a copy of each picture would be wasted.
-    RequestFullPaint(mViewer, Settings::drawEnabled && !mPlayback->IsPlaying());
-}
-
-void PlayerWindow::OnDrawingsChanged(AnnotationStore* store, int frame)
-{
-    // Undo and redo take the user to the frame that they change.
-    for (int viewer = 0; viewer < PlaybackController::ViewerCount; ++viewer)
-    {
-        const std::shared_ptr<MediaTimeline>& timeline = mPlayback->TimelineOf(viewer);
-        if (timeline && timeline->Annotations().get() == store && mPlayback->ShownFrame(viewer) != frame)
-        {
-            mPlayback->Pause();
-            mPlayback->SeekTime(timeline->FrameToTime(frame) + Settings::ROUNDING_ERROR_EXTRA_TIME);
-            break;
-        }
-    }
-    for (const MediaLibrary::Entry& entry : mMedia->Entries())
-    {
-        if (entry.timeline->Annotations().get() == store)
-            entry.timeline->UpdateAnnotationBookmark(frame);
-    }
-    mTimelines->UpdateBookmarks();
-    PresentOverlays();
-    RefreshViewers();
-}
-
-void PlayerWindow::OnPlayheadMoved()
-{
-    UpdateStatus();
-}
-
-void PlayerWindow::OnPlayingChanged()
-{
-    RefreshViewers();
-    mCommands->UpdateSwitches();
-    UpdateStatus();
-}
-
-void PlayerWindow::OnActualFrameRateChanged(float rate)
-{
-    mActualRate = rate;
-    UpdateStatus();
-}
-
-void PlayerWindow::OnViewerPressed(int viewer)
-{
-    if (mPlayback->TimelineOf(viewer))
-        SetActiveViewer(viewer);
-}
-
-void PlayerWindow::SetActiveViewer(int viewer)
-{
-    mPlayback->SetActiveViewer(viewer);
-    UpdateTitle();
-    UpdateStatus();
-}
-
-void PlayerWindow::OnPanZoomChangeRequested(QPointF panInterpolation, float zoom, bool enabled)
-{
-    mPan = panInterpolation;
-    mZoom = zoom;
-    mViewer->SetPanAndZoom(panInterpolation, zoom, enabled);
-    RefreshViewers();
-    UpdateStatus();
-}
-
-void PlayerWindow::SetZoom(float zoom)
-{
-    const float allowed = std::min(std::max(zoom, 1.0f), Settings::zoomMaximum);
-    OnPanZoomChangeRequested(allowed > 1.0f ? mPan : QPointF(), allowed, true);
-}
-
-void PlayerWindow::ZoomBy(float factor)
-{
-    SetZoom(mZoom * factor);
-}
-
-void PlayerWindow::OnLogged(const QString& text)
-{
-    mMessages->ShowMessage(text);
-}
-
-void PlayerWindow::SetLayout(int layout)
-{
-    Settings::viewerLayout = layout;
-    mViewer->SetViewerLayout(static_cast<ViewerLayout>(layout));
-    RefreshViewers();
-    mCommands->UpdateSwitches();
-}
-
-void PlayerWindow::SetDrawEnabled(bool enabled)
-{
-    mStrokes->Cancel();
-    Settings::drawEnabled = enabled;
-    mViewer->setCursor(enabled ? Qt::CrossCursor : Qt::ArrowCursor);
-    PresentOverlays();
-    RefreshViewers();
-    UpdateStatus();
-}
-
-void PlayerWindow::SelectTool(int tool)
-{
-    Settings::annotationTool = static_cast<AnnotationToolType>(tool);
-    Settings::drawWidth = tool == Eraser ? Settings::eraserWidth : Settings::pencilWidth;
-    SetDrawEnabled(true);
-}
-
-void PlayerWindow::ChangeDrawWidth(float factor)
-{
-    float& width = Settings::annotationTool == Eraser ? Settings::eraserWidth : Settings::pencilWidth;
-    width = std::min(std::max(width * factor, Settings::MINIMUM_DRAW_WIDTH), 0.25f);
-    Settings::drawWidth = width;
-    if (Settings::drawEnabled)
-        mViewer->RefreshAnnotations();
-    UpdateStatus();
-}
-
 void PlayerWindow::UpdateTitle()
 {
     QStringList names;
@@ -585,6 +320,7 @@ void PlayerWindow::dropEvent(QDropEvent* event)
     if (paths.isEmpty())
         return;
     event->acceptProposedAction();
+    mMessages->Clear();
     OpenFiles(paths, mStrokes->ViewerAt(mapToGlobal(event->pos())));
 }
 

@@ -57,6 +57,7 @@ protected:
     void dropEvent(QDropEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
 private Q_SLOTS:
     void OnMediaOpened(int index, int viewer);
@@ -77,6 +78,8 @@ private Q_SLOTS:
 
 private:
     void CreateWidgets();
+    void CreateViewer();
+    void ReportFailedOpenGL();
     void CreateActions();
     void CreateLayout();
     void CreateConnections();
@@ -126,6 +129,7 @@ private:
     QPointF mPan;
     float mZoom = 1.0f;
     float mActualRate = 0.0f;
+    QString mStartMessage;
     bool mPlayWhenReady = false;
     bool mDemoDrawing = false;
 };

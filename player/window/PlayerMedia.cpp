@@ -1,0 +1,184 @@
+// SPDX-License-Identifier: MIT
+// The window's media: what is open, and what the viewers show of it.
+#include "window/PlayerWindow.h"
+
+#include "annotation/AnnotationStore.h"
+#include "annotation/StrokeController.h"
+#include "host/Logger.h"
+#include "playback/PlaybackController.h"
+#include "project/MediaLibrary.h"
+#include "project/MediaTimeline.h"
+#include "viewers/ViewerWidget.h"
+#include "window/CommandTable.h"
+#include "window/DemoDrawing.h"
+#include "window/MessageBar.h"
+#include "window/OverlayPresenter.h"
+#include "window/ViewerPictures.h"
+
+#include <QAction>
+#include <QFileDialog>
+#include <QMenu>
+
+#include <algorithm>
+
+void PlayerWindow::OpenFiles(const QStringList& paths, int viewer)
+{
+    for (const QString& path : paths)
+    {
+        mMedia->Open(path, viewer);
+        viewer = -1;
+    }
+    UpdateStatus();
+}
+
+void PlayerWindow::OpenFromDialog(int viewer)
+{
+    const QStringList patterns = MediaNamePatterns();
+    const QStringList paths = QFileDialog::getOpenFileNames(
+        this, viewer == 0 ? tr("Open Media") : tr("Open Media in Viewer B"), QString(),
+        tr("Movies and Images (%1);;All Files (*)").arg(patterns.join(QLatin1Char(' '))));
+    if (paths.isEmpty())
+        return;
+    mMessages->Clear();
+    OpenFiles(paths, viewer);
+}
+
+void PlayerWindow::OnMediaOpened(int index, int viewer)
+{
+    const MediaInfo& info = mMedia->Entries()[static_cast<size_t>(index)].timeline->Info();
+    Logger::GetInstance()->Info(tr("Opened %1: %2 x %3, %4 frames at %5 frames per second, %6")
+                                    .arg(info.path)
+                                    .arg(info.width)
+                                    .arg(info.height)
+                                    .arg(info.frameCount)
+                                    .arg(info.frameRate.PerSecond(), 0, 'g', 6)
+                                    .arg(info.codecName));
+    if (info.missingFrames > 0)
+        Logger::GetInstance()->Warning(tr("%1: %2 of %3 frames have no file")
+                                           .arg(info.path)
+                                           .arg(info.missingFrames)
+                                           .arg(info.frameCount));
+    UpdateMediaMenu();
+    // A medium that is opened beside others goes to the first viewer only while nothing is there.
+    if (viewer < 0 && !mPlayback->TimelineOf(0) && !mMedia->IsOpening())
+        viewer = 0;
+    if (viewer >= 0)
+        ShowEntry(index, viewer);
+    EmitIfSettled();
+}
+
+void PlayerWindow::OnMediaFailed(const QString& text)
+{
+    Logger::GetInstance()->Error(text);
+    UpdateStatus();
+    EmitIfSettled();
+}
+
+void PlayerWindow::ShowEntry(int index, int viewer)
+{
+    const MediaLibrary::Entry& entry = mMedia->Entries()[static_cast<size_t>(index)];
+    mStrokes->Cancel();
+    if (const auto& old = mPlayback->TimelineOf(viewer); old && old != entry.timeline)
+        old->SetViewerIndex(-1);
+    entry.timeline->SetViewerIndex(viewer);
+    ViewerPictures::Clear(mViewer, viewer);
+    if (viewer == 1 && mViewer->GetViewerLayout() == Single)
+        SetLayout(Horizontal);
+    mPlayback->SetTimeline(viewer, entry.timeline, entry.media);
+    UpdateTitle();
+    UpdateMediaMenu();
+    UpdateStatus();
+    if (mDemoDrawing && viewer == 0)
+    {
+        mDemoDrawing = false;
+        DemoDrawing::AddTo(entry.timeline.get());
+        PresentOverlays();
+        RefreshViewers();
+    }
+    if (mPlayWhenReady && !mMedia->IsOpening())
+    {
+        mPlayWhenReady = false;
+        mPlayback->Play(1);
+    }
+}
+
+void PlayerWindow::DrawDemoWhenReady()
+{
+    mDemoDrawing = true;
+}
+
+void PlayerWindow::PlayWhenReady()
+{
+    mPlayWhenReady = true;
+}
+
+void PlayerWindow::ShowNeighbourEntry(int step)
+{
+    const std::vector<MediaLibrary::Entry>& entries = mMedia->Entries();
+    const int viewer = mPlayback->ActiveViewer();
+    const auto shown = std::find_if(entries.begin(), entries.end(),
+                                    [&](const MediaLibrary::Entry& entry)
+                                    { return entry.timeline == mPlayback->TimelineOf(viewer); });
+    if (entries.empty())
+        return;
+    const int count = static_cast<int>(entries.size());
+    const int current = shown == entries.end() ? 0 : static_cast<int>(shown - entries.begin());
+    ShowEntry((current + step + count) % count, viewer);
+}
+
+void PlayerWindow::UpdateMediaMenu()
+{
+    mMediaMenu->clear();
+    mCommands->FillMenu(QStringLiteral("media"), mMediaMenu);
+    mMediaMenu->addSeparator();
+    const std::vector<MediaLibrary::Entry>& entries = mMedia->Entries();
+    for (int index = 0; index < static_cast<int>(entries.size()); ++index)
+    {
+        MediaTimeline& timeline = *entries[static_cast<size_t>(index)].timeline;
+        QString name = timeline.GetName();
+        name.replace(QLatin1Char('&'), QLatin1String("&&"));
+        QAction* const action = mMediaMenu->addAction(name);
+        action->setToolTip(timeline.Info().path);
+        action->setCheckable(true);
+        action->setChecked(timeline.GetViewerIndex() >= 0);
+        connect(action, &QAction::triggered, this,
+                [this, index]
+                {
+                    ShowEntry(index, mPlayback->ActiveViewer());
+                    UpdateMediaMenu();
+                });
+    }
+}
+
+void PlayerWindow::OnPictureReady(int viewer, int frame, const ReadResult& result)
+{
+    if (mStrokes->DrawingViewer() == viewer)
+        mStrokes->Cancel();
+    if (result.image.isNull())
+        ViewerPictures::Clear(mViewer, viewer);
+    else
+        ViewerPictures::Show(mViewer, viewer, result.image);
+    const std::shared_ptr<MediaTimeline>& timeline = mPlayback->TimelineOf(viewer);
+    OverlayPresenter::Present(mViewer, viewer, timeline->Annotations().get(), frame);
+    RefreshViewers();
+    EmitIfSettled();
+}
+
+void PlayerWindow::OnFrameFailed(int media, int frame, const QString& text)
+{
+    Q_UNUSED(media)
+    Q_UNUSED(frame)
+    Logger::GetInstance()->Error(text);
+}
+
+void PlayerWindow::EmitIfSettled()
+{
+    if (mMedia->IsOpening())
+        return;
+    for (int viewer = 0; viewer < PlaybackController::ViewerCount; ++viewer)
+    {
+        if (mPlayback->ShownFrame(viewer) != mPlayback->WantedFrame(viewer))
+            return;
+    }
+    Q_EMIT Settled();
+}
