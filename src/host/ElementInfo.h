@@ -6,10 +6,10 @@
 /// What a timeline tells of one of its elements.
 struct ElementInfo
 {
-    /// The element's identity; the timeline widgets only copy it.
-    QUuid id;
     /// Frame of the timeline, counted from 1, on which the element begins.
     int startFrame = 1;
     /// Length in frames.
     int frameCount = 0;
+    /// The element's identity; the timeline widgets only copy it.
+    QUuid id;
 };
