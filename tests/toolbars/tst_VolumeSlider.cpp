@@ -256,11 +256,11 @@ void tst_VolumeSlider::WedgeIsFilledUpToTheValue()
     mSlider->SetMaximum(maximum);
     mSlider->SetValue(value);
     QByteArray difference = PictureDifference(mSlider->grab().toImage().convertToFormat(QImage::Format_RGB32),
-                                              Wedge(value, maximum, qRgb(50, 53, 60), mSlider->font()), 20);
+                                              Wedge(value, maximum, qRgb(50, 53, 60), mSlider->font()), 26);
     QVERIFY2(difference.isEmpty(), difference);
     mSlider->setEnabled(false);
     difference = PictureDifference(mSlider->grab().toImage().convertToFormat(QImage::Format_RGB32),
-                                   Wedge(value, maximum, qRgb(90, 20, 20), mSlider->font()), 20);
+                                   Wedge(value, maximum, qRgb(90, 20, 20), mSlider->font()), 26);
     QVERIFY2(difference.isEmpty(), difference);
 }
 
