@@ -257,6 +257,17 @@ void tst_FlatButton::ImageColorReplacesColorsAndKeepsAlpha()
     mButton->SetColors(QColor(), QColor(220, 120, 20));
     QByteArray difference = PictureDifference(Shown(*mButton), Recolored(image, QColor(220, 120, 20)), 2);
     QVERIFY2(difference.isEmpty(), difference);
+    // A translucent colour makes the picture translucent, and lets none of its own colours through.
+    mButton->SetColors(QColor(), QColor(200, 100, 50, 128));
+    QImage thinned = Recolored(image, QColor(200, 100, 50)).convertToFormat(QImage::Format_ARGB32);
+    for (int y = 0; y < 30; ++y)
+    {
+        for (int x = 0; x < 30; ++x)
+            thinned.setPixel(x, y, qRgba(200, 100, 50, qAlpha(thinned.pixel(x, y)) * 128 / 255));
+    }
+    difference =
+        PictureDifference(Shown(*mButton), thinned.convertToFormat(QImage::Format_ARGB32_Premultiplied), 4);
+    QVERIFY2(difference.isEmpty(), difference);
     // An invalid colour brings the picture's own back.
     mButton->SetColors(QColor(), QColor());
     difference = PictureDifference(Shown(*mButton), image, 1);

@@ -251,7 +251,7 @@ void tst_VolumeSlider::WedgeIsFilledUpToTheValue()
     QPalette colors = mSlider->palette();
     colors.setColor(QPalette::Active, QPalette::Window, QColor(50, 53, 60));
     colors.setColor(QPalette::Inactive, QPalette::Window, QColor(50, 53, 60));
-    colors.setColor(QPalette::Disabled, QPalette::Window, QColor(90, 20, 20));
+    colors.setColor(QPalette::Disabled, QPalette::Window, QColor(60, 50, 70));
     mSlider->setPalette(colors);
     mSlider->SetMaximum(maximum);
     mSlider->SetValue(value);
@@ -260,7 +260,7 @@ void tst_VolumeSlider::WedgeIsFilledUpToTheValue()
     QVERIFY2(difference.isEmpty(), difference);
     mSlider->setEnabled(false);
     difference = PictureDifference(mSlider->grab().toImage().convertToFormat(QImage::Format_RGB32),
-                                   Wedge(value, maximum, qRgb(90, 20, 20), mSlider->font()), 26);
+                                   Wedge(value, maximum, qRgb(60, 50, 70), mSlider->font()), 26);
     QVERIFY2(difference.isEmpty(), difference);
 }
 
