@@ -9,7 +9,8 @@
 
 #include <cstdio>
 
-/// Shows a red picture in a viewer of the installed library. Returns 0 if it can be seen.
+/// Shows a red picture in a viewer of the installed library. Returns 0 if it can be seen and the icons are
+/// there.
 int main(int argc, char** argv)
 {
     QApplication application(argc, argv);
@@ -25,8 +26,11 @@ int main(int argc, char** argv)
     viewer.show();
     QApplication::processEvents();
     const QColor shown = viewer.grab().toImage().pixelColor(160, 90);
+    const bool hasIcons = !QImage(QStringLiteral(":/icons/play.png")).isNull();
     std::printf("%s %s %s\n", Settings::APPLICATION_TITLE, Settings::TORVALEN_PRO_VERSION_STRING,
                 qPrintable(shown.name()));
-    return shown == QColor(Qt::red) && timeline.GetType() == 1 && bindings.GetKeySequences().size() == 1 ? 0
-                                                                                                         : 1;
+    return shown == QColor(Qt::red) && hasIcons && timeline.GetType() == 1 &&
+                   bindings.GetKeySequences().size() == 1
+               ? 0
+               : 1;
 }
