@@ -1,10 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#if defined(__x86_64__) && defined(__GNUC__)
-#include <immintrin.h>
-#endif
-
 /// The state that one piece of vector code leaves for the next.
 namespace VectorState
 {
@@ -13,7 +9,7 @@ namespace VectorState
 
 __attribute__((target("avx"))) inline void ClearUpperHalvesWithAvx()
 {
-    _mm256_zeroupper();
+    __builtin_ia32_vzeroupper();
 }
 
 /// Marks the upper halves of this thread's vector registers as unused.
