@@ -178,6 +178,44 @@ void PlaybackController::TogglePlayback()
         Play(1);
 }
 
+void PlaybackController::ToggleDirection(int direction)
+{
+    if (mPlaying && mPosition.direction == direction)
+        Pause();
+    else
+        Play(direction);
+}
+
+void PlaybackController::ToggleForwards()
+{
+    ToggleDirection(1);
+}
+
+void PlaybackController::ToggleBackwards()
+{
+    ToggleDirection(-1);
+}
+
+void PlaybackController::StepForwards()
+{
+    Step(1);
+}
+
+void PlaybackController::StepBackwards()
+{
+    Step(-1);
+}
+
+void PlaybackController::ReportState()
+{
+    const bool forwards = mPosition.direction > 0;
+    if (mPlaying == mReportedPlaying && (!mPlaying || forwards == mReportedForwards))
+        return;
+    mReportedPlaying = mPlaying;
+    mReportedForwards = forwards;
+    Q_EMIT StateChanged(mPlaying, forwards);
+}
+
 void PlaybackController::SetPlaying(bool playing)
 {
     if (!playing)
@@ -194,6 +232,7 @@ void PlaybackController::SetPlaying(bool playing)
         RequestFrames(mPosition.direction);
     }
     Q_EMIT PlayingChanged(playing);
+    ReportState();
 }
 
 void PlaybackController::Step(int frames)
@@ -303,6 +342,7 @@ void PlaybackController::MovePlayhead(int frame, int direction)
     }
     RequestFrames(direction);
     Q_EMIT PlayheadMoved(CurrentTime());
+    ReportState();
 }
 
 void PlaybackController::RequestFrames(int direction)

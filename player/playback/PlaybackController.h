@@ -63,6 +63,11 @@ public Q_SLOTS:
     void HoldShownFrame();
     /// Pauses, or plays forwards.
     void TogglePlayback();
+    /// Pauses if playback runs that way, otherwise plays it.
+    void ToggleForwards();
+    void ToggleBackwards();
+    void StepForwards();
+    void StepBackwards();
     /// Pauses and moves the playhead by @p frames, within the range.
     void Step(int frames);
     void GoToFirst();
@@ -86,6 +91,8 @@ Q_SIGNALS:
     /// The playhead stands at @p time (microseconds).
     void PlayheadMoved(int64_t time);
     void PlayingChanged(bool playing);
+    /// Playback started, stopped or turned round; @p forwards is its way.
+    void StateChanged(bool playing, bool forwards);
     void RangeChanged(int64_t startTime, int64_t endTime);
     /// Another timeline leads, or none; its range and playhead are reported next.
     void LeadingTimelineChanged();
@@ -122,6 +129,8 @@ private:
     void FinishTick(const PlaybackPosition& position);
     void MeasureRate();
     void SetPlaying(bool playing);
+    void ToggleDirection(int direction);
+    void ReportState();
 
     FrameLoader* mLoader;
     std::array<Viewer, ViewerCount> mViewers;
@@ -129,6 +138,8 @@ private:
     int mCurrentFrame = 1;
     PlaybackRange mRange;
     bool mPlaying = false;
+    bool mReportedPlaying = false;
+    bool mReportedForwards = true;
     bool mResumeAfterScrub = false;
     float mSpeed = 1.0f;
     bool mStepped = false;

@@ -299,6 +299,16 @@ void PlayerWindow::GoToBookmark(int direction)
         mPlayback->SeekFrame(frame);
 }
 
+void PlayerWindow::GoToNextBookmark()
+{
+    GoToBookmark(1);
+}
+
+void PlayerWindow::GoToPreviousBookmark()
+{
+    GoToBookmark(-1);
+}
+
 void PlayerWindow::StepSeconds(int seconds)
 {
     if (const std::shared_ptr<MediaTimeline>& timeline = mPlayback->LeadingTimeline())

@@ -10,6 +10,7 @@
 #include "project/MediaLibrary.h"
 #include "project/MediaTimeline.h"
 #include "timelines/TimelineWidget.h"
+#include "toolbars/PlaybackControlWidget.h"
 #include "viewers/ViewerWidget.h"
 #include "window/CommandTable.h"
 #include "window/MessageBar.h"
@@ -20,6 +21,7 @@
 #include <QAction>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QMenuBar>
 #include <QMimeData>
@@ -100,6 +102,8 @@ void PlayerWindow::CreateWidgets()
         this);
     mInput = new ViewerInput(mViewer, mStrokes, mPlayback, this);
     mTimelines = new TimelineBinding(mPlayback, mLoader, this, this);
+    mTransport = new PlaybackControlWidget(this);
+    mTransport->setObjectName(QStringLiteral("transport"));
     mMessages = new MessageBar(this);
 }
 
@@ -166,6 +170,11 @@ void PlayerWindow::CreateLayout()
     mCenterLayout->addWidget(mViewer, 1);
     ArrangeTimelines();
     setCentralWidget(center);
+    auto* const bar = new QHBoxLayout;
+    bar->addStretch();
+    bar->addWidget(mTransport);
+    bar->addStretch();
+    mCenterLayout->addLayout(bar);
 
     mMediaLabel = MakeStatusLabel(this, "mediaLabel");
     mToolLabel = MakeStatusLabel(this, "toolLabel");
@@ -188,6 +197,16 @@ void PlayerWindow::CreateConnections()
     connect(mViewer, SIGNAL(PanZoomChangeRequested(QPointF, float, bool)), this,
             SLOT(OnPanZoomChangeRequested(QPointF, float, bool)));
     connect(mViewer, SIGNAL(PlaybackToggled()), mPlayback, SLOT(TogglePlayback()));
+    connect(mTransport, SIGNAL(PlayForwardsPressed()), mPlayback, SLOT(ToggleForwards()));
+    connect(mTransport, SIGNAL(PlayBackwardsPressed()), mPlayback, SLOT(ToggleBackwards()));
+    connect(mTransport, SIGNAL(StepForwardsPressed()), mPlayback, SLOT(StepForwards()));
+    connect(mTransport, SIGNAL(StepBackwardsPressed()), mPlayback, SLOT(StepBackwards()));
+    connect(mTransport, SIGNAL(SeekStartPressed()), mPlayback, SLOT(GoToFirst()));
+    connect(mTransport, SIGNAL(SeekEndPressed()), mPlayback, SLOT(GoToLast()));
+    connect(mTransport, SIGNAL(NextBookmarkPressed()), this, SLOT(GoToNextBookmark()));
+    connect(mTransport, SIGNAL(PreviousBookmarkPressed()), this, SLOT(GoToPreviousBookmark()));
+    connect(mPlayback, SIGNAL(StateChanged(bool, bool)), mTransport,
+            SLOT(OnPlaybackStateChanged(bool, bool)));
     connect(mInput, SIGNAL(FullPaintNeeded()), this, SLOT(RefreshViewers()));
     connect(mInput, SIGNAL(ViewerPressed(int)), this, SLOT(OnViewerPressed(int)));
     connect(mStrokes, SIGNAL(OverlayChanged()), this, SLOT(PresentOverlays()));
@@ -209,16 +228,14 @@ void PlayerWindow::ArrangeTimelines()
     mCenterLayout->removeWidget(global);
     mCenterLayout->removeWidget(range);
     // The global timeline stands above the range timeline where both are on one side.
-    if (Settings::rangeTimelineAtTop)
-        mCenterLayout->insertWidget(mCenterLayout->indexOf(mViewer), range);
-    else
-        mCenterLayout->addWidget(range);
-    const bool sameSide = Settings::globalTimelineAtTop == Settings::rangeTimelineAtTop;
-    if (Settings::globalTimelineAtTop)
-        mCenterLayout->insertWidget(mCenterLayout->indexOf(sameSide ? range : static_cast<QWidget*>(mViewer)),
-                                    global);
-    else
-        mCenterLayout->insertWidget(mCenterLayout->indexOf(mViewer) + 1, global);
+    for (const bool isRange : {true, false})
+    {
+        const bool atTop = isRange ? Settings::rangeTimelineAtTop : Settings::globalTimelineAtTop;
+        const bool rangeIsAbove = !isRange && atTop && Settings::rangeTimelineAtTop;
+        QWidget* const below = rangeIsAbove ? static_cast<QWidget*>(range) : mViewer;
+        mCenterLayout->insertWidget(mCenterLayout->indexOf(below) + (atTop ? 0 : 1),
+                                    isRange ? range : global);
+    }
 }
 
 void PlayerWindow::OnGlobalPositionChangeRequested(bool top)

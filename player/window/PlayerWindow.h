@@ -16,6 +16,7 @@ class CommandTable;
 class FrameLoader;
 class MediaLibrary;
 class MessageBar;
+class PlaybackControlWidget;
 class PlaybackController;
 class QLabel;
 class QMenu;
@@ -73,6 +74,8 @@ private Q_SLOTS:
     void OnLogged(const QString& text);
     void PresentOverlays();
     void RefreshViewers();
+    void GoToNextBookmark();
+    void GoToPreviousBookmark();
     void OnGlobalPositionChangeRequested(bool top);
     void OnRangePositionChangeRequested(bool top);
 
@@ -117,6 +120,7 @@ private:
     StrokeController* mStrokes = nullptr;
     ViewerInput* mInput = nullptr;
     TimelineBinding* mTimelines = nullptr;
+    PlaybackControlWidget* mTransport = nullptr;
     QVBoxLayout* mCenterLayout = nullptr;
     CommandTable* mCommands = nullptr;
     MessageBar* mMessages = nullptr;

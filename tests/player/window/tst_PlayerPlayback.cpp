@@ -32,6 +32,7 @@ private Q_SLOTS:
     void KeysStepAndGoToTheEnds();
     void SpacePlaysAndPauses();
     void PlaysBackwards();
+    void TheTransportBarActs();
     void LoopsWithinTheRange();
     void WithoutALoopItStopsAtTheEnd();
     void SteppedPlaybackShowsEveryFrame();
@@ -113,6 +114,51 @@ void tst_PlayerPlayback::PlaysBackwards()
     QTRY_VERIFY_WITH_TIMEOUT(mWindow->Playback()->ShownFrame(0) < 30, 10000);
     Key(Qt::Key_Space);
     QVERIFY(WaitForNumber(mWindow->Playback()->CurrentFrame()));
+}
+
+void tst_PlayerPlayback::TheTransportBarActs()
+{
+    const auto click = [this](const char* name)
+    {
+        QWidget* const button = mWindow->findChild<QWidget*>(QLatin1String(name));
+        QVERIFY2(button, name);
+        InputEvents::Press(button, button->rect().center());
+        InputEvents::Release(button, button->rect().center());
+    };
+    PlaybackController* const playback = mWindow->Playback();
+    click("seekEndButton");
+    QVERIFY(WaitForNumber(60));
+    click("stepBackwardsButton");
+    QVERIFY(WaitForNumber(59));
+    click("stepForwardsButton");
+    QVERIFY(WaitForNumber(60));
+    click("seekStartButton");
+    QVERIFY(WaitForNumber(1));
+    click("playForwardsButton");
+    QVERIFY(playback->IsPlaying());
+    QTRY_VERIFY_WITH_TIMEOUT(playback->ShownFrame(0) > 5, 10000);
+    click("playForwardsButton");
+    QVERIFY(!playback->IsPlaying());
+    playback->SeekFrame(40);
+    Key(Qt::Key_B);
+    playback->SeekFrame(20);
+    click("nextBookmarkButton");
+    QCOMPARE(playback->CurrentFrame(), 40);
+    QSignalSpy states(playback, SIGNAL(StateChanged(bool, bool)));
+    click("playBackwardsButton");
+    QVERIFY(playback->IsPlaying());
+    QTRY_VERIFY_WITH_TIMEOUT(playback->ShownFrame(0) < 38, 10000);
+    click("playForwardsButton");
+    QVERIFY(playback->IsPlaying());
+    click("playForwardsButton");
+    QVERIFY(!playback->IsPlaying());
+    QCOMPARE(states.size(), 3);
+    QCOMPARE(states.at(0), (QList<QVariant>{true, false}));
+    QCOMPARE(states.at(1), (QList<QVariant>{true, true}));
+    QCOMPARE(states.at(2).first().toBool(), false);
+    playback->SeekFrame(50);
+    click("previousBookmarkButton");
+    QCOMPARE(playback->CurrentFrame(), 40);
 }
 
 void tst_PlayerPlayback::LoopsWithinTheRange()
