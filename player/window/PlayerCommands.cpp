@@ -163,6 +163,14 @@ void PlayerWindow::AddViewCommands(std::vector<Command>& commands)
         },
         [] { return Settings::onlyDisplayAnnotations; });
     add(
+        "view.hardware", tr("|Hardware Accelerated Playback (After Restart)"), {},
+        []
+        {
+            Settings::hardwareAcceleratedPlayback = !Settings::hardwareAcceleratedPlayback;
+            Settings::WriteUserConfig();
+        },
+        [] { return Settings::hardwareAcceleratedPlayback; });
+    add(
         "view.fullScreen", tr("|F&ull Screen"), {Qt::Key_F11},
         [this] { setWindowState(windowState() ^ Qt::WindowFullScreen); }, [this] { return isFullScreen(); });
 }

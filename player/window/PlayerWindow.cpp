@@ -27,8 +27,8 @@
 #include <QLabel>
 #include <QMenuBar>
 #include <QMimeData>
-#include <QOpenGLWidget>
 #include <QStatusBar>
+#include <QTimer>
 #include <QUrl>
 #include <QVBoxLayout>
 
@@ -62,9 +62,10 @@ QLabel* MakeStatusLabel(QWidget* parent, const char* objectName)
 
 } // namespace
 
-PlayerWindow::PlayerWindow()
+PlayerWindow::PlayerWindow(const ViewerBackEndChoice& choice)
 {
     setObjectName(QStringLiteral("playerWindow"));
+    mViewer = choice.MakeViewer(this);
     CreateWidgets();
     CreateActions();
     CreateLayout();
@@ -73,21 +74,22 @@ PlayerWindow::PlayerWindow()
     setAcceptDrops(true);
     UpdateTitle();
     UpdateStatus();
+    // Once events run, so that files which are opened before that don't clear it away.
+    if (!choice.message.isEmpty())
+        QTimer::singleShot(0, this, [text = choice.message] { Logger::GetInstance()->Warning(text); });
 }
 
 PlayerWindow::~PlayerWindow()
 {
     // The viewers hold plain pointers to the annotations of timelines that go before them.
-    mViewer->ClearAll();
+    ShowPicture(mViewer, -1, QImage());
 }
 
 void PlayerWindow::CreateWidgets()
 {
     mLoader = new FrameLoader(this);
     mPlayback = new PlaybackController(mLoader, this);
-    mViewer = new ViewerWidget(this);
-    mMedia = new MediaLibrary(
-        mLoader, mViewer->GetViewerType() == OpenGL ? QImage::Format_RGB888 : QImage::Format_RGB32, this);
+    mMedia = new MediaLibrary(mLoader, PictureFormatOf(mViewer), this);
     mViewer->setObjectName(QStringLiteral("viewer"));
     mViewer->setFocusPolicy(Qt::StrongFocus);
     mViewer->SetViewerLayout(static_cast<ViewerLayout>(Settings::viewerLayout));
@@ -291,7 +293,7 @@ void PlayerWindow::ShowEntry(int index, int viewer)
     if (const auto& old = mPlayback->TimelineOf(viewer); old && old != entry.timeline)
         old->SetViewerIndex(-1);
     entry.timeline->SetViewerIndex(viewer);
-    mViewer->Clear(viewer);
+    ShowPicture(mViewer, viewer, QImage());
     if (viewer == 1 && mViewer->GetViewerLayout() == Single)
         SetLayout(Horizontal);
     mPlayback->SetTimeline(viewer, entry.timeline, entry.media);
@@ -364,12 +366,7 @@ void PlayerWindow::OnPictureReady(int viewer, int frame, const ReadResult& resul
 {
     if (mStrokes->DrawingViewer() == viewer)
         mStrokes->Cancel();
-    if (auto* const glWidget = mViewer->findChild<QOpenGLWidget*>())
-        glWidget->makeCurrent();
-    if (result.image.isNull())
-        mViewer->Clear(viewer);
-    else
-        mViewer->SetImage(viewer, result.image, false);
+    ShowPicture(mViewer, viewer, result.image);
     const std::shared_ptr<MediaTimeline>& timeline = mPlayback->TimelineOf(viewer);
     OverlayPresenter::Present(mViewer, viewer, timeline->Annotations().get(), frame);
     RefreshViewers();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "media/MediaReader.h"
+#include "window/ViewerBackEndChoice.h"
 
 #include <QMainWindow>
 #include <QStringList>
@@ -31,7 +32,8 @@ class PlayerWindow : public QMainWindow
     Q_OBJECT
 
 public:
-    PlayerWindow();
+    /// The viewers draw through the back end of @p choice, whose message is shown.
+    explicit PlayerWindow(const ViewerBackEndChoice& choice = ViewerBackEndChoice::BySettings());
     ~PlayerWindow() override;
 
     /// Opens @p paths: the first in viewer @p viewer, the others beside it in the list of media.
