@@ -1,20 +1,20 @@
 // SPDX-License-Identifier: MIT
 #include "host/Logger.h"
 #include "host/Settings.h"
-#include "viewers/ViewerWidget.h"
 #include "window/DarkPalette.h"
 #include "window/PlayThrough.h"
 #include "window/PlayerWindow.h"
 #include "window/StandardLog.h"
+#include "window/ViewerBackEndChoice.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
-#include <QScreen>
 #include <QStyleFactory>
 #include <QSurfaceFormat>
 #include <QTimer>
 
 #include <cstdio>
+#include <memory>
 
 #ifdef __GLIBC__
 #include <malloc.h>
@@ -67,10 +67,7 @@ void TakeScreenshot(PlayerWindow* window, const QString& path)
 {
     const auto take = [window, path]
     {
-        // OpenGL's part of a window is on the screen alone.
-        const bool usesOpenGL = window->Viewer()->GetViewerType() == OpenGL;
-        const QPixmap picture = usesOpenGL ? window->screen()->grabWindow(window->winId()) : window->grab();
-        const bool saved = picture.save(path);
+        const bool saved = GrabWindow(window).save(path);
         if (!saved)
             Logger::GetInstance()->Error(
                 QStringLiteral("The screenshot could not be written to %1").arg(path));
@@ -109,14 +106,22 @@ int main(int argc, char** argv)
         "play-through",
         "Plays FILE as fast as it can, prints frames, seconds and frames a second, and quits.", "FILE");
     const QCommandLineOption size = Option("size", "Size of the window of --play-through.", "WIDTHxHEIGHT");
-    parser.addOptions({viewerB, layout, play, demo, screenshot, playThrough, size});
+    const QCommandLineOption openGL = Option("opengl", "Draws through OpenGL this time, whatever is set.");
+    const QCommandLineOption software = Option("software", "Draws in software this time, whatever is set.");
+    parser.addOptions({viewerB, layout, play, demo, screenshot, playThrough, size, openGL, software});
     parser.addPositionalArgument(QStringLiteral("FILE"),
                                  QCoreApplication::translate("main", "Movies or files of image sequences."),
                                  QStringLiteral("[FILE…]"));
     parser.process(application);
 
+    ViewerType wanted = ViewerBackEndChoice::BySettings().type;
+    if (parser.isSet(openGL))
+        wanted = OpenGL;
+    else if (parser.isSet(software))
+        wanted = Software;
+    const ViewerBackEndChoice choice = ViewerBackEndChoice::Tried(wanted);
     if (parser.isSet(playThrough))
-        return RunPlayThrough(parser.value(playThrough), parser.value(size));
+        return RunPlayThrough(parser.value(playThrough), parser.value(size), choice);
     if (parser.isSet(layout) && !LayoutNames.contains(parser.value(layout)))
     {
         std::fprintf(stderr, "torvalen: there is no layout \"%s\"; take single, horizontal or vertical\n",
@@ -124,19 +129,18 @@ int main(int argc, char** argv)
         return 2;
     }
 
-    PlayerWindow window;
+    const std::unique_ptr<PlayerWindow> window = ShowPlayerWindow(choice);
     if (parser.isSet(layout))
-        window.SetLayout(LayoutNames.indexOf(parser.value(layout)));
+        window->SetLayout(LayoutNames.indexOf(parser.value(layout)));
     if (parser.isSet(demo))
-        window.DrawDemoWhenReady();
+        window->DrawDemoWhenReady();
     if (parser.isSet(screenshot))
-        TakeScreenshot(&window, parser.value(screenshot));
-    window.show();
+        TakeScreenshot(window.get(), parser.value(screenshot));
     if (!parser.positionalArguments().isEmpty())
-        window.OpenFiles(parser.positionalArguments(), 0);
+        window->OpenFiles(parser.positionalArguments(), 0);
     if (parser.isSet(viewerB))
-        window.OpenFiles({parser.value(viewerB)}, 1);
+        window->OpenFiles({parser.value(viewerB)}, 1);
     if (parser.isSet(play))
-        window.PlayWhenReady();
+        window->PlayWhenReady();
     return QApplication::exec();
 }

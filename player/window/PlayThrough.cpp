@@ -1,18 +1,20 @@
 // SPDX-License-Identifier: MIT
 #include "window/PlayThrough.h"
 
+#include "host/Logger.h"
 #include "host/Settings.h"
 #include "media/FrameLoader.h"
 #include "viewers/ViewerWidget.h"
+#include "window/ViewerBackEndChoice.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QFileInfo>
-#include <QOpenGLWidget>
 #include <QRegularExpression>
 #include <QTimer>
 
 #include <cstdio>
+#include <memory>
 
 namespace
 {
@@ -33,31 +35,33 @@ QSize ParseSize(const QString& text)
 class PlayThroughRun
 {
 public:
-    explicit PlayThroughRun(const QSize& size)
+    PlayThroughRun(const QSize& size, const ViewerBackEndChoice& choice) : mViewer(choice.MakeViewer(nullptr))
     {
         // No frame is shown twice, so none is kept for long.
         mLoader.SetCacheSize(Settings::MINIMUM_CACHE_SIZE);
-        mViewer.resize(size);
-        mViewer.show();
-        mOptions.pictureFormat =
-            mViewer.GetViewerType() == OpenGL ? QImage::Format_RGB888 : QImage::Format_RGB32;
+        mViewer->resize(size);
+        mViewer->show();
+        mOptions.pictureFormat = PictureFormatOf(mViewer.get());
         mOptions.sequenceRate = FrameRate::FromPerSecond(Settings::globalImageSequenceFrameRate);
-        QObject::connect(&mLoader, &FrameLoader::MediaOpened, &mViewer,
+        QObject::connect(&mLoader, &FrameLoader::MediaOpened, mViewer.get(),
                          [this](int, const MediaInfo& info)
                          {
                              mFrameCount = info.frameCount;
                              mClock.start();
                              RequestNext();
                          });
-        QObject::connect(&mLoader, &FrameLoader::OpenFailed, &mViewer,
+        QObject::connect(&mLoader, &FrameLoader::OpenFailed, mViewer.get(),
                          [](int, const QString& text)
                          {
                              std::fprintf(stderr, "torvalen: %s\n", qUtf8Printable(text));
                              QApplication::exit(1);
                          });
-        QObject::connect(&mLoader, &FrameLoader::FrameReady, &mViewer,
+        QObject::connect(&mLoader, &FrameLoader::FrameReady, mViewer.get(),
                          [this](int, int frame, const ReadResult& result) { OnFrameReady(frame, result); });
     }
+
+    /// Why nothing can be shown; empty if it can.
+    QString Problem() const { return ProblemAfterShow(mViewer.get()); }
 
     void Open(const QString& path) { mLoader.Open(Media, QFileInfo(path).absoluteFilePath(), mOptions); }
 
@@ -84,17 +88,15 @@ private:
             ++mBroken;
             std::fprintf(stderr, "torvalen: %s\n", qUtf8Printable(result.text));
         }
-        if (auto* const glWidget = mViewer.findChild<QOpenGLWidget*>())
-            glWidget->makeCurrent();
-        mViewer.SetImage(0, result.image, false);
-        mViewer.findChild<QWidget*>(QString(), Qt::FindDirectChildrenOnly)->repaint();
+        ShowPicture(mViewer.get(), 0, result.image);
+        mViewer->findChild<QWidget*>(QString(), Qt::FindDirectChildrenOnly)->repaint();
         ++mShown;
         if (mShown == mFrameCount)
             Finish();
         else
             // Through the event loop: a frame that is there already arrives within the request.
             QMetaObject::invokeMethod(
-                &mViewer, [this] { RequestNext(); }, Qt::QueuedConnection);
+                mViewer.get(), [this] { RequestNext(); }, Qt::QueuedConnection);
     }
 
     void Finish()
@@ -106,7 +108,7 @@ private:
         QApplication::exit(0);
     }
 
-    ViewerWidget mViewer;
+    std::unique_ptr<ViewerWidget> mViewer;
     FrameLoader mLoader{nullptr};
     QElapsedTimer mClock;
     MediaOptions mOptions;
@@ -117,7 +119,7 @@ private:
 
 } // namespace
 
-int RunPlayThrough(const QString& path, const QString& size)
+int RunPlayThrough(const QString& path, const QString& size, ViewerBackEndChoice choice)
 {
     const QSize windowSize = ParseSize(size);
     if (windowSize.isEmpty())
@@ -125,7 +127,14 @@ int RunPlayThrough(const QString& path, const QString& size)
         std::fprintf(stderr, "torvalen: \"%s\" is no size; write it as WIDTHxHEIGHT\n", qUtf8Printable(size));
         return 2;
     }
-    PlayThroughRun run(windowSize);
-    QTimer::singleShot(0, qApp, [&run, path] { run.Open(path); });
+    auto run = std::make_unique<PlayThroughRun>(windowSize, choice);
+    if (const QString problem = run->Problem(); !problem.isEmpty())
+    {
+        choice = ViewerBackEndChoice::InSoftware(problem);
+        run = std::make_unique<PlayThroughRun>(windowSize, choice);
+    }
+    if (!choice.message.isEmpty())
+        Logger::GetInstance()->Warning(choice.message);
+    QTimer::singleShot(0, qApp, [&run, path] { run->Open(path); });
     return QApplication::exec();
 }

@@ -163,8 +163,12 @@ void PlayerWindow::AddViewCommands(std::vector<Command>& commands)
         },
         [] { return Settings::onlyDisplayAnnotations; });
     add(
-        "view.hardware", tr("|&Hardware Accelerated Playback (After Restart)"), {},
-        [] { Settings::hardwareAcceleratedPlayback = !Settings::hardwareAcceleratedPlayback; },
+        "view.hardware", tr("|Hardware Accelerated Playback (After Restart)"), {},
+        []
+        {
+            Settings::hardwareAcceleratedPlayback = !Settings::hardwareAcceleratedPlayback;
+            Settings::WriteUserConfig();
+        },
         [] { return Settings::hardwareAcceleratedPlayback; });
     add(
         "view.fullScreen", tr("|F&ull Screen"), {Qt::Key_F11},

@@ -13,7 +13,7 @@
 #include "window/DemoDrawing.h"
 #include "window/MessageBar.h"
 #include "window/OverlayPresenter.h"
-#include "window/ViewerPictures.h"
+#include "window/ViewerBackEndChoice.h"
 
 #include <QAction>
 #include <QFileDialog>
@@ -81,7 +81,7 @@ void PlayerWindow::ShowEntry(int index, int viewer)
     if (const auto& old = mPlayback->TimelineOf(viewer); old && old != entry.timeline)
         old->SetViewerIndex(-1);
     entry.timeline->SetViewerIndex(viewer);
-    ViewerPictures::Clear(mViewer, viewer);
+    ShowPicture(mViewer, viewer, QImage());
     if (viewer == 1 && mViewer->GetViewerLayout() == Single)
         SetLayout(Horizontal);
     mPlayback->SetTimeline(viewer, entry.timeline, entry.media);
@@ -154,10 +154,7 @@ void PlayerWindow::OnPictureReady(int viewer, int frame, const ReadResult& resul
 {
     if (mStrokes->DrawingViewer() == viewer)
         mStrokes->Cancel();
-    if (result.image.isNull())
-        ViewerPictures::Clear(mViewer, viewer);
-    else
-        ViewerPictures::Show(mViewer, viewer, result.image);
+    ShowPicture(mViewer, viewer, result.image);
     const std::shared_ptr<MediaTimeline>& timeline = mPlayback->TimelineOf(viewer);
     OverlayPresenter::Present(mViewer, viewer, timeline->Annotations().get(), frame);
     RefreshViewers();

@@ -16,7 +16,6 @@
 #include "window/MessageBar.h"
 #include "window/TimelineBinding.h"
 #include "window/ViewerInput.h"
-#include "window/ViewerPictures.h"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -31,7 +30,6 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
-#include <utility>
 
 namespace
 {
@@ -61,9 +59,10 @@ QLabel* MakeStatusLabel(QWidget* parent, const char* objectName)
 
 } // namespace
 
-PlayerWindow::PlayerWindow()
+PlayerWindow::PlayerWindow(const ViewerBackEndChoice& choice)
 {
     setObjectName(QStringLiteral("playerWindow"));
+    mViewer = choice.MakeViewer(this);
     CreateWidgets();
     CreateActions();
     CreateLayout();
@@ -72,21 +71,22 @@ PlayerWindow::PlayerWindow()
     setAcceptDrops(true);
     UpdateTitle();
     UpdateStatus();
+    // Once events run: by then the window is shown and its log is heard.
+    if (!choice.message.isEmpty())
+        QTimer::singleShot(0, this, [text = choice.message] { Logger::GetInstance()->Warning(text); });
 }
 
 PlayerWindow::~PlayerWindow()
 {
     // The viewers hold plain pointers to the annotations of timelines that go before them.
-    ViewerPictures::Clear(mViewer, -1);
+    ShowPicture(mViewer, -1, QImage());
 }
 
 void PlayerWindow::CreateWidgets()
 {
     mLoader = new FrameLoader(this);
     mPlayback = new PlaybackController(mLoader, this);
-    CreateViewer();
-    mMedia = new MediaLibrary(
-        mLoader, mViewer->GetViewerType() == OpenGL ? QImage::Format_RGB888 : QImage::Format_RGB32, this);
+    mMedia = new MediaLibrary(mLoader, PictureFormatOf(mViewer), this);
     mViewer->setObjectName(QStringLiteral("viewer"));
     mViewer->setFocusPolicy(Qt::StrongFocus);
     mViewer->SetViewerLayout(static_cast<ViewerLayout>(Settings::viewerLayout));
@@ -105,37 +105,6 @@ void PlayerWindow::CreateWidgets()
     mTransport = new PlaybackControlWidget(this);
     mTransport->setObjectName(QStringLiteral("transport"));
     mMessages = new MessageBar(this);
-}
-
-void PlayerWindow::CreateViewer()
-{
-    QString reason;
-    const bool wanted = Settings::hardwareAcceleratedPlayback;
-    const bool usable = wanted && ViewerPictures::HasUsableOpenGL(&reason);
-    // The viewer reads the setting when it is built; the user's wish stays for a better driver.
-    Settings::hardwareAcceleratedPlayback = usable;
-    mViewer = new ViewerWidget(this);
-    Settings::hardwareAcceleratedPlayback = wanted;
-    if (wanted && !usable)
-        mStartMessage = tr("Hardware accelerated playback is off: %1.").arg(reason);
-}
-
-void PlayerWindow::showEvent(QShowEvent* event)
-{
-    QMainWindow::showEvent(event);
-    if (!mStartMessage.isEmpty())
-        Logger::GetInstance()->Warning(std::exchange(mStartMessage, QString()));
-    if (mViewer->GetViewerType() == OpenGL)
-        QTimer::singleShot(0, this, [this] { ReportFailedOpenGL(); });
-}
-
-void PlayerWindow::ReportFailedOpenGL()
-{
-    // The back end is set up by its first paint.
-    mViewer->grab();
-    if (!mViewer->IsInitialized())
-        Logger::GetInstance()->Error(
-            tr("OpenGL could not be set up. Turn hardware accelerated playback off and start again."));
 }
 
 void PlayerWindow::CreateActions()

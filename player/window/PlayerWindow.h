@@ -2,6 +2,7 @@
 #pragma once
 
 #include "media/MediaReader.h"
+#include "window/ViewerBackEndChoice.h"
 
 #include <QMainWindow>
 #include <QStringList>
@@ -32,7 +33,8 @@ class PlayerWindow : public QMainWindow
     Q_OBJECT
 
 public:
-    PlayerWindow();
+    /// The viewers draw through the back end of @p choice, whose message is shown.
+    explicit PlayerWindow(const ViewerBackEndChoice& choice = ViewerBackEndChoice::BySettings());
     ~PlayerWindow() override;
 
     /// Opens @p paths: the first in viewer @p viewer, the others beside it in the list of media.
@@ -58,7 +60,6 @@ protected:
     void dropEvent(QDropEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
-    void showEvent(QShowEvent* event) override;
 
 private Q_SLOTS:
     void OnMediaOpened(int index, int viewer);
@@ -81,8 +82,6 @@ private Q_SLOTS:
 
 private:
     void CreateWidgets();
-    void CreateViewer();
-    void ReportFailedOpenGL();
     void CreateActions();
     void CreateLayout();
     void CreateConnections();
@@ -133,7 +132,6 @@ private:
     QPointF mPan;
     float mZoom = 1.0f;
     float mActualRate = 0.0f;
-    QString mStartMessage;
     bool mPlayWhenReady = false;
     bool mDemoDrawing = false;
 };

@@ -62,6 +62,14 @@ bool HasCurrentContext()
     return context && context->isValid();
 }
 
+/// What a viewer without a picture shows.
+QImage BlackPoint()
+{
+    QImage image(1, 1, QImage::Format_RGB32);
+    image.fill(Qt::transparent);
+    return image;
+}
+
 } // namespace
 
 OpenGLViewer::OpenGLViewer(QWidget* parent) : QOpenGLWidget(parent), AnnotationOverlay(this)
@@ -122,11 +130,12 @@ void OpenGLViewer::initializeGL()
     CreateProgram();
     CreateBuffers();
     mLinearLocation = mProgram->uniformLocation("linear");
+    // In a context that follows another one, the textures of that one went with it; to delete them now would
+    // reach into it.
+    mTextures.fill(nullptr);
     // Both textures exist before the first paint.
-    QImage image(1, 1, QImage::Format_RGB32);
-    image.fill(Qt::transparent);
-    SetImage(0, image, false);
-    SetImage(1, image, false);
+    SetImage(0, BlackPoint(), false);
+    SetImage(1, BlackPoint(), false);
 }
 
 void OpenGLViewer::CreateProgram()
@@ -184,11 +193,13 @@ void OpenGLViewer::SetImage(int index, const QImage& image, bool linear)
         Logger::GetInstance()->Error("Viewer index out of range");
         return;
     }
-    if (image.isNull())
-        return;
     // `linear` is dropped: the flags stay false and the shader's gamma branch is never taken. That is meant.
     QOpenGLTexture* const texture = mTextures[index];
-    if (!texture || texture->width() != image.width() || texture->height() != image.height())
+    if (image.isNull())
+    {
+        ReplaceTexture(index, BlackPoint());
+    }
+    else if (!texture || texture->width() != image.width() || texture->height() != image.height())
     {
         ReplaceTexture(index, image);
     }

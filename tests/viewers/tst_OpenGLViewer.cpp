@@ -101,6 +101,8 @@ private Q_SLOTS:
     void AResizeFitsThePicturesAgain();
     void AnImageOfTheSameSizeReusesTheTexture();
     void AnImageOfAnotherSizeReplacesTheTexture();
+    void ANullImageLeavesItsSlotBlack();
+    void AnotherContextStartsAfresh();
     void OddWidthsKeepTheirRows();
     void SmallerPicturesInMemoryAreShownToo();
     void TheGammaPathIsNeverTaken();
@@ -404,8 +406,55 @@ void tst_OpenGLViewer::AnImageOfAnotherSizeReplacesTheTexture()
     QVERIFY(QuadDifference(mViewer->GetImage(), {{QRectF(0, 0, 200, 100), QColor(Qt::red)}}).isEmpty());
     mViewer->Give(0, GlPlain(QSize(400, 400), Qt::green));
     QVERIFY(QuadDifference(mViewer->GetImage(), {{QRectF(50, 0, 100, 100), QColor(Qt::green)}}).isEmpty());
-    mViewer->Give(0, QImage());
-    QVERIFY(QuadDifference(mViewer->GetImage(), {{QRectF(50, 0, 100, 100), QColor(Qt::green)}}).isEmpty());
+}
+
+void tst_OpenGLViewer::ANullImageLeavesItsSlotBlack()
+{
+    Show(QSize(200, 100));
+    mViewer->SetViewerLayout(Horizontal);
+    mViewer->Give(-1, GlPlain(QSize(400, 400), Qt::green));
+    for (int round = 0; round < 2; ++round)
+    {
+        mViewer->Give(0, QImage());
+        QVERIFY(mViewer->mDisplaySizes[0] == QPointF(0, 0));
+        QVERIFY(
+            QuadDifference(mViewer->GetImage(), {{QRectF(100, 0, 100, 100), QColor(Qt::green)}}).isEmpty());
+    }
+    mViewer->Give(0, GlPlain(QSize(400, 400), Qt::red));
+    QVERIFY(QuadDifference(mViewer->GetImage(), {{QRectF(0, 0, 100, 100), QColor(Qt::red)},
+                                                 {QRectF(100, 0, 100, 100), QColor(Qt::green)}})
+                .isEmpty());
+}
+
+void tst_OpenGLViewer::AnotherContextStartsAfresh()
+{
+    // Without shared contexts, a move to another window makes a new one, and what was in the old one is gone.
+    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts, false);
+    const auto restore =
+        qScopeGuard([] { QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts, true); });
+    Show(QSize(200, 100));
+    mViewer->Give(0, GlPlain(QSize(400, 200), Qt::red));
+    QCOMPARE(mViewer->GetImage().pixelColor(100, 50), QColor(Qt::red));
+    QSignalSpy outputs(Logger::GetInstance(), &Logger::OutputLogged);
+    QWidget other;
+    other.resize(200, 100);
+    mViewer->setParent(&other);
+    mViewer->show();
+    other.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&other));
+    QTRY_COMPARE(outputs.size(), 4);
+    QVERIFY(mViewer->IsInitialized());
+    QCOMPARE(mViewer->GetImage().pixelColor(100, 50), QColor(Qt::black));
+    // The picture of before, as before, and one of viewer B, whose texture has kept its size.
+    mViewer->SetViewerLayout(Horizontal);
+    mViewer->Give(0, GlPlain(QSize(400, 400), Qt::green));
+    mViewer->Give(1, GlPlain(QSize(1, 1), Qt::white));
+    mViewer->Give(1, GlPlain(QSize(400, 400), Qt::blue));
+    QVERIFY(QuadDifference(mViewer->GetImage(), {{QRectF(0, 0, 100, 100), QColor(Qt::green)},
+                                                 {QRectF(100, 0, 100, 100), QColor(Qt::blue)}})
+                .isEmpty());
+    delete mViewer;
+    mViewer = nullptr;
 }
 
 void tst_OpenGLViewer::OddWidthsKeepTheirRows()
