@@ -2,9 +2,11 @@
 #include "media/ImageFile.h"
 
 #include "media/DpxFile.h"
+#include "media/ExrFile.h"
 #include "media/Orientation.h"
 #include "media/PicturePool.h"
-#include "media/ToneTable.h"
+#include "media/PictureRows.h"
+#include "media/PngFile.h"
 
 #include <OpenImageIO/imageio.h>
 
@@ -21,19 +23,10 @@ constexpr int RowsAtOnce = 256;
 
 using InputPointer = std::unique_ptr<OIIO::ImageInput>;
 
-/// Where the shown colours lie within the channels.
-struct Channels
-{
-    /// First channel that is read, and how many.
-    int begin = 0;
-    int count = 0;
-    /// Within those.
-    int red = 0;
-    int green = 0;
-    int blue = 0;
-    /// -1 if colours are not to be multiplied by it.
-    int alpha = -1;
-};
+using PictureRows::ByteTone;
+using PictureRows::Channels;
+using PictureRows::HalfTone;
+using PictureRows::IntegerTone;
 
 int ChannelNamed(const OIIO::ImageSpec& spec, const char* name)
 {
@@ -167,75 +160,6 @@ bool ReadPixels(OIIO::ImageInput& input, const QString& path, const Channels& ch
     return true;
 }
 
-/// Takes stored values to shown bytes.
-struct ByteTone
-{
-    quint8 operator()(quint8 value) const { return value; }
-    quint8 operator()(quint8 value, quint8 alpha) const { return quint8((value * alpha + 127) / 255); }
-};
-
-struct IntegerTone
-{
-    const quint8* table = ToneTable::IntegerToByte();
-
-    quint8 operator()(quint16 value) const { return table[value]; }
-    quint8 operator()(quint16 value, quint16 alpha) const
-    {
-        constexpr uint64_t scale = uint64_t(65535) * 65535;
-        return quint8((uint64_t(value) * alpha * 255 + scale / 2) / scale);
-    }
-};
-
-struct HalfTone
-{
-    const quint8* table = ToneTable::HalfToSrgb();
-
-    quint8 operator()(quint16 bits) const { return table[bits]; }
-    // Floating point formats hold colours that are multiplied by alpha already.
-    quint8 operator()(quint16 bits, quint16) const { return table[bits]; }
-};
-
-struct Rgb32Pixels
-{
-    static constexpr int Bytes = 4;
-    static void Put(uchar* pixel, quint8 red, quint8 green, quint8 blue)
-    {
-        *reinterpret_cast<QRgb*>(pixel) = qRgb(red, green, blue);
-    }
-};
-
-struct Rgb888Pixels
-{
-    static constexpr int Bytes = 3;
-    static void Put(uchar* pixel, quint8 red, quint8 green, quint8 blue)
-    {
-        pixel[0] = red;
-        pixel[1] = green;
-        pixel[2] = blue;
-    }
-};
-
-template<typename Pixels, typename Value, typename Tone>
-void ConvertRow(const Value* source, uchar* target, int width, const Channels& channels, const Tone& tone)
-{
-    const int step = channels.count;
-    if (channels.alpha >= 0)
-    {
-        for (int x = 0; x < width; ++x, source += step, target += Pixels::Bytes)
-        {
-            const Value alpha = source[channels.alpha];
-            Pixels::Put(target, tone(source[channels.red], alpha), tone(source[channels.green], alpha),
-                        tone(source[channels.blue], alpha));
-        }
-        return;
-    }
-    const Value* const red = source + channels.red;
-    const Value* const green = source + channels.green;
-    const Value* const blue = source + channels.blue;
-    for (int x = 0, i = 0; x < width; ++x, i += step, target += Pixels::Bytes)
-        Pixels::Put(target, tone(red[i]), tone(green[i]), tone(blue[i]));
-}
-
 template<typename Value, typename Tone>
 QImage ToPicture(const OIIO::ImageSpec& spec, const Channels& channels, const uchar* buffer, size_t rowBytes,
                  QImage::Format format)
@@ -259,9 +183,9 @@ QImage ToPicture(const OIIO::ImageSpec& spec, const Channels& channels, const uc
         uchar* const target = image.bits() + qsizetype(y - spec.full_y) * image.bytesPerLine() +
                               qsizetype(left - spec.full_x) * pixelBytes;
         if (format == QImage::Format_RGB888)
-            ConvertRow<Rgb888Pixels>(source, target, right - left, channels, tone);
+            PictureRows::PutPacked<PictureRows::Rgb888Pixels>(source, target, right - left, channels, tone);
         else
-            ConvertRow<Rgb32Pixels>(source, target, right - left, channels, tone);
+            PictureRows::PutPacked<PictureRows::Rgb32Pixels>(source, target, right - left, channels, tone);
     }
     return Oriented(image, Orientation::FromExif(spec.get_int_attribute("Orientation", 1)));
 }
@@ -313,13 +237,19 @@ bool ImageFile::ReadInfo(const QString& path, ImageFileInfo* info, QString* erro
 
 QImage ImageFile::Read(const QString& path, QImage::Format format, const CancelToken& cancel, QString* error)
 {
-    if (path.endsWith(QLatin1String(".dpx"), Qt::CaseInsensitive))
-    {
-        QString ignored;
-        const QImage image = DpxFile::Read(path, format, &ignored);
-        if (!image.isNull())
-            return image;
-    }
+    // The faster ways, for the usual kinds; what they don't take, broken files above all, is left to the
+    // library.
+    QString ignored;
+    QImage image;
+    const auto isNamed = [&](QLatin1String suffix) { return path.endsWith(suffix, Qt::CaseInsensitive); };
+    if (isNamed(QLatin1String(".exr")))
+        image = ExrFile::Read(path, format, cancel);
+    else if (isNamed(QLatin1String(".png")))
+        image = PngFile::Read(path, format);
+    else if (isNamed(QLatin1String(".dpx")))
+        image = DpxFile::Read(path, format, &ignored);
+    if (!image.isNull() || cancel.IsCancelled())
+        return image;
     try
     {
         const InputPointer input = OpenInput(path, error);

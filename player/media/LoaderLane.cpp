@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "media/LoaderLane.h"
 
+#include "kit/VectorState.h"
+
 #include <QMetaObject>
 
 #include <algorithm>
@@ -64,6 +66,8 @@ void LoaderLane::Post(Call call) const
 
 void LoaderLane::Run()
 {
+    // Before the decoding library starts threads of its own, which inherit the state.
+    VectorState::ClearUpperHalves();
     if (OpenReader())
     {
         std::vector<std::thread> helpers;
@@ -103,6 +107,7 @@ bool LoaderLane::OpenReader()
 
 void LoaderLane::Decode(bool hasConverter)
 {
+    VectorState::ClearUpperHalves();
     while (true)
     {
         Job job{0, {}, {}};
@@ -129,6 +134,7 @@ void LoaderLane::Decode(bool hasConverter)
 
 void LoaderLane::Convert()
 {
+    VectorState::ClearUpperHalves();
     while (true)
     {
         Job job{0, {}, {}};

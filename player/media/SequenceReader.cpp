@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "media/SequenceReader.h"
 
+#include "kit/VectorState.h"
 #include "media/ImageFile.h"
 
 #include <utility>
@@ -73,6 +74,8 @@ DecodedFrame SequenceReader::DecodeFrame(int frame, const CancelToken& cancel)
         return {ReadStatus::Missing,
                 QStringLiteral("%1: frame %2 can't be shown: there is no such file").arg(path).arg(frame),
                 {}};
+    // Unpacking is code of narrow instructions.
+    VectorState::ClearUpperHalves();
     QString reason;
     const QImage image = ImageFile::Read(path, mOptions.pictureFormat, cancel, &reason);
     if (cancel.IsCancelled())
