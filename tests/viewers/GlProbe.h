@@ -15,6 +15,7 @@ class OpenGLViewerProbe : public OpenGLViewer
 public:
     using OpenGLViewer::initializeGL;
     using OpenGLViewer::OpenGLViewer;
+    using OpenGLViewer::paintGL;
 
     using AnnotationOverlay::mAnnotationsOnly;
     using AnnotationOverlay::mDisplaySizes;
