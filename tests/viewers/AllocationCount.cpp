@@ -8,10 +8,6 @@
 #include <dlfcn.h>
 #include <execinfo.h>
 
-#ifdef TORVALEN_SANITIZED
-#include <sanitizer/allocator_interface.h>
-#endif
-
 namespace
 {
 
@@ -20,6 +16,7 @@ constexpr int MaximumDepth = 24;
 struct Allocation
 {
     size_t bytes = 0;
+    void* caller = nullptr;
     int depth = 0;
     std::array<void*, MaximumDepth> callers{};
 };
@@ -29,7 +26,8 @@ std::array<Allocation, 4096> allocations;
 int allocationCount = 0;
 thread_local bool isCounting = false;
 
-void NoteAllocation(size_t bytes)
+/// @p caller is where the function that was asked for @p bytes returns to.
+void NoteAllocation(size_t bytes, void* caller)
 {
     if (!isCounting)
         return;
@@ -38,44 +36,36 @@ void NoteAllocation(size_t bytes)
     {
         Allocation& allocation = allocations[static_cast<size_t>(allocationCount)];
         allocation.bytes = bytes;
+        allocation.caller = caller;
         allocation.depth = backtrace(allocation.callers.data(), MaximumDepth);
     }
     ++allocationCount;
     isCounting = true;
 }
 
-/// Whether a function of @p library called @p function only passes a request on.
-bool IsAllocator(const QString& library, const QString& function)
+/// Whether the functions of @p library pass requests on that others make.
+bool IsAllocator(const QString& library)
 {
-    static const QStringList names = {QStringLiteral("malloc"), QStringLiteral("calloc"),
-                                      QStringLiteral("realloc"), QStringLiteral("aligned_alloc"),
-                                      QStringLiteral("posix_memalign")};
-    return names.contains(function) || library.startsWith(QLatin1String("libstdc++.")) ||
-           library.startsWith(QLatin1String("libc.")) || library.startsWith(QLatin1String("libasan."));
+    return library.startsWith(QLatin1String("libstdc++.")) || library.startsWith(QLatin1String("libc.")) ||
+           library.startsWith(QLatin1String("libasan."));
 }
 
 AllocationCount::Request RequestOf(const Allocation& allocation)
 {
     AllocationCount::Request request;
     request.bytes = allocation.bytes;
-    bool passedOn = false;
-    for (int level = 0; level < allocation.depth; ++level)
+    // What lies in front of the caller is the counting itself.
+    const auto end = allocation.callers.begin() + allocation.depth;
+    for (auto it = std::find(allocation.callers.begin(), end, allocation.caller); it != end; ++it)
     {
         Dl_info info;
-        if (dladdr(allocation.callers[static_cast<size_t>(level)], &info) == 0)
+        if (dladdr(*it, &info) == 0)
             continue;
-        const QString name = QString::fromLocal8Bit(info.dli_sname);
         const QString library = QString::fromLocal8Bit(info.dli_fname).section(QLatin1Char('/'), -1);
-        // What lies in front of the allocator is the counting itself.
-        if (IsAllocator(library, name))
-        {
-            passedOn = true;
-            continue;
-        }
-        if (!passedOn)
+        if (IsAllocator(library))
             continue;
         request.library = library;
-        request.function = name;
+        request.function = QString::fromLocal8Bit(info.dli_sname);
         break;
     }
     return request;
@@ -85,12 +75,16 @@ AllocationCount::Request RequestOf(const Allocation& allocation)
 
 #ifdef TORVALEN_SANITIZED
 
+// Its header is missing from one of the compilers.
+extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*mallocHook)(const volatile void*, size_t),
+                                                         void (*freeHook)(const volatile void*));
+
 namespace
 {
 
 void OnMalloc(const volatile void*, size_t bytes)
 {
-    NoteAllocation(bytes);
+    NoteAllocation(bytes, __builtin_return_address(0));
 }
 
 void OnFree(const volatile void*) {}
@@ -109,31 +103,31 @@ extern "C"
 
     __attribute__((visibility("default"))) void* malloc(size_t bytes)
     {
-        NoteAllocation(bytes);
+        NoteAllocation(bytes, __builtin_return_address(0));
         return __libc_malloc(bytes);
     }
 
     __attribute__((visibility("default"))) void* calloc(size_t count, size_t bytes)
     {
-        NoteAllocation(count * bytes);
+        NoteAllocation(count * bytes, __builtin_return_address(0));
         return __libc_calloc(count, bytes);
     }
 
     __attribute__((visibility("default"))) void* realloc(void* data, size_t bytes)
     {
-        NoteAllocation(bytes);
+        NoteAllocation(bytes, __builtin_return_address(0));
         return __libc_realloc(data, bytes);
     }
 
     __attribute__((visibility("default"))) void* aligned_alloc(size_t alignment, size_t bytes)
     {
-        NoteAllocation(bytes);
+        NoteAllocation(bytes, __builtin_return_address(0));
         return __libc_memalign(alignment, bytes);
     }
 
     __attribute__((visibility("default"))) int posix_memalign(void** data, size_t alignment, size_t bytes)
     {
-        NoteAllocation(bytes);
+        NoteAllocation(bytes, __builtin_return_address(0));
         *data = __libc_memalign(alignment, bytes);
         return *data ? 0 : 12;
     }

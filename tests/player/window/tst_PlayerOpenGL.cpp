@@ -88,6 +88,7 @@ private Q_SLOTS:
     void cleanup();
     void TheTrialPasses();
     void PicturesArriveReadyForTheTexture();
+    void PicturesBringTheirContext();
     void EveryFrameSoughtIsOnScreen();
     void Plays();
     void AStrokeShowsAsInTheSoftwareViewer_data();
@@ -172,6 +173,23 @@ void tst_PlayerOpenGL::PicturesArriveReadyForTheTexture()
         QTest::keyClick(mWindow.get(), Qt::Key_Right);
         QTRY_COMPARE(mWindow->Playback()->ShownFrame(0), 2);
         QCOMPARE(formats, (QVector<QImage::Format>{format}));
+    }
+}
+
+void tst_PlayerOpenGL::PicturesBringTheirContext()
+{
+    mWindow = ShowPlayerWindow(ViewerBackEndChoice::Tried(OpenGL));
+    ViewerWidget* const viewer = mWindow->Viewer();
+    QImage picture(64, 64, QImage::Format_RGB888);
+    picture.fill(Qt::green);
+    for (const QImage& image : {picture, QImage()})
+    {
+        viewer->findChild<QOpenGLWidget*>()->doneCurrent();
+        QVERIFY(!QOpenGLContext::currentContext());
+        ShowPicture(viewer, 0, image);
+        QVERIFY(!QOpenGLContext::currentContext());
+        QCOMPARE(viewer->GetImage().pixelColor(viewer->rect().center()),
+                 QColor(image.isNull() ? Qt::black : Qt::green));
     }
 }
 
