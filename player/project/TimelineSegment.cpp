@@ -5,7 +5,7 @@
 #include "project/MediaSource.h"
 
 #include <algorithm>
-#include <cmath>
+#include <limits>
 
 int TimelineSegment::MediaFrameOf(int frame) const
 {
@@ -37,8 +37,11 @@ int FramesForMedia(int mediaFrames, const FrameRate& mediaRate, const FrameRate&
 {
     if (mediaRate == rate)
         return mediaFrames;
-    const double frames = mediaFrames * rate.PerSecond() / mediaRate.PerSecond();
-    return static_cast<int>(std::clamp(std::round(frames), 1.0, 2147483647.0));
+    const int64_t units = int64_t(rate.numerator) * mediaRate.denominator;
+    const int64_t perFrame = int64_t(rate.denominator) * mediaRate.numerator;
+    // Rates of up to five digits, and 2^31 frames, stay within 64 bits.
+    const int64_t frames = (mediaFrames * units * 2 + perFrame) / (perFrame * 2);
+    return static_cast<int>(std::clamp<int64_t>(frames, 1, std::numeric_limits<int>::max()));
 }
 
 int SegmentIndex(const std::vector<TimelineSegment>& segments, int frame)
