@@ -29,9 +29,10 @@ void FolderObject::Insert(int index, const std::shared_ptr<ProjectObject>& child
     child->SetParentID(GetID());
 }
 
-int FolderObject::Take(const QUuid& id)
+int FolderObject::Take(const QUuid& id, int hint)
 {
-    const int index = IndexOf(id);
+    const bool isThere = hint >= 0 && hint < mChildren.size() && mChildren[hint]->GetID() == id;
+    const int index = isThere ? hint : IndexOf(id);
     if (index >= 0)
         mChildren.removeAt(index);
     return index;

@@ -30,8 +30,9 @@ public:
     const Children& ChildList() const;
     /// Puts @p child at @p index (clamped; below 0 is the end) and makes this its parent.
     void Insert(int index, const std::shared_ptr<ProjectObject>& child);
-    /// Takes the child with @p id out. Returns the index that it had, -1 if there is none.
-    int Take(const QUuid& id);
+    /// Takes the child with @p id out, which is looked for at @p hint first. Returns the index that it had,
+    /// -1 if there is none.
+    int Take(const QUuid& id, int hint = -1);
     /// The index of the child with @p id; -1 if there is none.
     int IndexOf(const QUuid& id) const;
     /// Whether the folder takes objects of type @p type (0 folder, 1 timeline); @p ofSource says that it is

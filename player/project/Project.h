@@ -11,9 +11,12 @@
 #include <QList>
 #include <QObject>
 #include <QPointF>
+#include <QSet>
 #include <QUndoStack>
 #include <QUuid>
+#include <QVector>
 
+#include <functional>
 #include <memory>
 
 class AnnotationStore;
@@ -24,6 +27,7 @@ class ProjectImport;
 class MediumReads;
 class ProjectCommand;
 class ProjectTimeline;
+class RunningImport;
 
 /// What a reviewer works on: folders, sources, timelines and their elements, with every mark and drawing on
 /// them.
@@ -222,6 +226,8 @@ Q_SIGNALS:
     /// The source timeline @p id has another medium, or its medium was read anew.
     void SourceChanged(const QUuid& id);
     void SettingsChanged();
+    /// A step is about to be done, undone or redone: the time to end what is in progress, such as a stroke.
+    void AboutToChange();
     /// A step, with all that it changed, is done: the time to rebuild a view.
     void Changed();
     void ModifiedChanged(bool modified);
@@ -233,4 +239,62 @@ Q_SIGNALS:
     void ChangeApplied(const ProjectChange& change);
     /// The file was written, or another content taken over: the journal begins anew.
     void BaseChanged();
+
+private Q_SLOTS:
+    void OnCleanChanged(bool clean);
+
+private:
+    friend class ProjectCommand;
+    friend class RunningImport;
+
+    using Changes = QVector<ProjectChange>;
+    using Followers = QList<std::shared_ptr<ProjectTimeline>>;
+
+    /// How a step behaves on the undo stack.
+    struct Step
+    {
+        QString text;
+        /// Steps of one key that follow each other within a moment are one; empty for one of its own.
+        QString mergeKey;
+        bool forViewing = false;
+    };
+
+    // What changes is done by steps, these by changes.
+    bool Push(const Step& step, const Changes& changes);
+    void Apply(const Changes& changes);
+    void ApplyOne(const ProjectChange& change);
+    void ApplyState(const ProjectChange& change);
+    /// Adds to @p changes what @p mutate changes of @p timelines, and of the media in @p changes; all of it
+    /// is as before after that.
+    void AppendStates(Changes& changes, const Followers& timelines, const std::function<void()>& mutate);
+    /// The timelines with elements of any of @p sources.
+    Followers FollowersOf(const QSet<const ProjectTimeline*>& sources) const;
+
+    void TakeOver(ProjectContent content, const QString& path);
+    bool Refuse(const QString& reason);
+    QString FreeName(const QString& name) const;
+    std::shared_ptr<FolderObject> ParentFor(const QUuid& parentID, int type, bool ofSource, int* index) const;
+    bool IsFixed(const std::shared_ptr<ProjectObject>& object) const;
+    bool IsWithin(const QUuid& id, const QUuid& ancestorID) const;
+    ProjectChange InsertOf(const std::shared_ptr<ProjectObject>& object, const QUuid& parentID,
+                           int index) const;
+    std::shared_ptr<MediaTimeline> RemovedSource(const QUuid& id) const;
+    bool AppendMoves(Changes& changes, const QList<QUuid>& ids, const QUuid& parentID, int index);
+    bool ChangeState(const QUuid& timelineID, const Step& step,
+                     const std::function<bool(ProjectTimeline&)>& mutate);
+    bool ChangeElements(const QUuid& timelineID, const QString& text,
+                        std::vector<std::shared_ptr<ElementObject>> elements);
+    void ReadMedium(const QUuid& id, const QString& path, const QString& text);
+    void SetMedium(const std::shared_ptr<MediaTimeline>& timeline, const MediaInfo& info, bool missing,
+                   const QString& text);
+    void SwapMedium(const QUuid& id, const MediaInfo& info, bool missing);
+    /// Makes the step of an import that has read its media.
+    void FinishImport(RunningImport& running);
+
+    ProjectContent mContent;
+    QString mPath;
+    QUndoStack mUndoStack;
+    MediumReads* mReads;
+    /// Taken over from a journal, and not saved since.
+    bool mRecovered = false;
 };

@@ -63,4 +63,6 @@ struct ProjectChange
 
     /// The change that takes this one back.
     ProjectChange Inverted() const;
+    /// Makes the change in @p content.
+    void ApplyTo(ProjectContent& content) const;
 };
