@@ -50,6 +50,17 @@ public:
     {
     }
 
+    ~ContentReader()
+    {
+        // Folders that hold each other would never go.
+        for (const Entry& entry : mEntries)
+        {
+            const auto folder = std::dynamic_pointer_cast<FolderObject>(entry.object);
+            while (!mIsDone && folder && !folder->ChildList().isEmpty())
+                folder->Take(folder->ChildList().last()->GetID(), folder->ChildList().size() - 1);
+        }
+    }
+
     ProjectContent Read()
     {
         ReadSettings();
@@ -69,6 +80,7 @@ public:
         AddBins();
         ReadDefault();
         KeepExtras();
+        mIsDone = true;
         return std::move(mContent);
     }
 
@@ -260,6 +272,7 @@ private:
     QHash<QUuid, QString> mIds;
     QSet<int> mBins;
     QHash<QUuid, ExtraParts> mExtras;
+    bool mIsDone = false;
 };
 
 /// The line and column of byte @p offset, both from 1.
