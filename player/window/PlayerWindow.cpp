@@ -24,6 +24,7 @@
 #include "window/MessageBar.h"
 #include "window/PanelArea.h"
 #include "window/PanelTogglesBinding.h"
+#include "window/PlainTooltips.h"
 #include "window/TimelineBinding.h"
 #include "window/ViewerInput.h"
 #include "window/VolumeBarBinding.h"
@@ -31,10 +32,12 @@
 #include <QAction>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QScreen>
 #include <QStatusBar>
 #include <QTimer>
 #include <QUrl>
@@ -46,6 +49,8 @@ namespace
 {
 
 constexpr QSize InitialSize(1280, 800);
+/// How much of a small screen a new window may take.
+constexpr double ScreenPart = 0.9;
 constexpr int StatusMargin = 8;
 constexpr int BarMargin = 8;
 
@@ -106,7 +111,7 @@ PlayerWindow::PlayerWindow(const ViewerBackEndChoice& choice)
     mAnnotationBar->ReadState();
     OnKeysChanged();
     SyncBars();
-    resize(InitialSize);
+    resize(InitialSize.boundedTo(ScreenPart * QGuiApplication::primaryScreen()->availableSize()));
     setAcceptDrops(true);
     UpdateTitle();
     UpdateStatus();
@@ -153,6 +158,7 @@ void PlayerWindow::CreateWidgets()
     mTransport = new PlaybackControlWidget(this);
     mTransport->setObjectName(QStringLiteral("transport"));
     mMessages = new MessageBar(this);
+    new PlainTooltips(this);
     mCenter = new QWidget(this);
     mViewerRow = new QWidget(mCenter);
     mPanels = new PanelArea(mCenter, this);

@@ -6,8 +6,27 @@
 #include "toolbars/VolumeWidget.h"
 #include "window/PlayerState.h"
 
+#include <QFont>
+#include <QFontMetrics>
+
 namespace
 {
+
+/// Points of the number on the volume's wedge, and the pixels that it has.
+constexpr int NumberPoints = 7;
+constexpr int NumberWidth = 26;
+
+/// @p font, narrow enough for the wedge's number to be seen whole.
+QFont FontForVolume(QFont font)
+{
+    QFont number = font;
+    number.setPointSize(NumberPoints);
+    const int width = QFontMetrics(number).horizontalAdvance(QStringLiteral("100%"));
+    // A letter's edge may stand a pixel beyond its advance.
+    if (width >= NumberWidth)
+        font.setStretch(QFont::Unstretched * (NumberWidth - 1) / (width + 1));
+    return font;
+}
 
 QString VolumeKey()
 {
@@ -25,6 +44,7 @@ VolumeBarBinding::VolumeBarBinding(VolumeState* volume, QWidget* barParent, QObj
     : QObject(parent), mVolume(volume), mBar(new VolumeWidget(barParent))
 {
     mBar->setObjectName(QStringLiteral("volumeBar"));
+    mBar->setFont(FontForVolume(mBar->font()));
     connect(mBar, SIGNAL(VolumeChanged(int)), this, SLOT(OnVolumePicked()));
     connect(mBar, SIGNAL(MutingChanged(bool)), volume, SLOT(SetMuted(bool)));
     connect(mBar, SIGNAL(LoopPressed(LoopType)), this, SLOT(OnLoopPressed(LoopType)));
