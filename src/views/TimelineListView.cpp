@@ -222,6 +222,9 @@ void TimelineListView::CreateWidgets()
     mTreeWidget->setColumnCount(1);
     mTreeWidget->setHeaderHidden(true);
     mTreeWidget->setRootIsDecorated(false);
+    // Where each row may have a height of its own, Qt adds them all up for each row that changes out of
+    // sight.
+    mTreeWidget->setUniformRowHeights(true);
     mTreeWidget->setDragEnabled(true);
     mTreeWidget->setAcceptDrops(true);
 

@@ -46,7 +46,8 @@ TimelineListViewTreeWidget::TimelineListViewTreeWidget(QWidget* parent) : MultiS
 void TimelineListViewTreeWidget::SelectItems(const QList<QUuid>& uuids)
 {
     clearSelection();
-    // Selecting row by row searches all ranges selected before each time.
+    // Selecting row by row searches all ranges selected before each time; so does the flag for
+    // whole rows, which one column doesn't need.
     const QSet<QUuid> wanted(uuids.begin(), uuids.end());
     QItemSelection selection;
     const int count = topLevelItemCount();
@@ -62,7 +63,7 @@ void TimelineListViewTreeWidget::SelectItems(const QList<QUuid>& uuids)
         first = -1;
     }
     if (!selection.isEmpty())
-        selectionModel()->select(selection, QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        selectionModel()->select(selection, QItemSelectionModel::Select);
 }
 
 bool TimelineListViewTreeWidget::CanDrop(const QMimeData* mimeData)
