@@ -189,7 +189,10 @@ void ProjectView::RequestInsertSourcesInFolder(QList<QString> filePaths, QUuid p
 void ProjectView::OnRenameSelectedItem()
 {
     const QList<QTreeWidgetItem*> selected = mTreeWidget->selectedItems();
-    if (HasFocusExtended() && selected.size() == 1)
+    if (!HasFocusExtended() || selected.size() != 1)
+        return;
+    // Asked to edit a row that can't be, the tree would only warn.
+    if (selected.first()->flags() & Qt::ItemIsEditable)
         mTreeWidget->editItem(selected.first(), 0);
 }
 

@@ -218,7 +218,7 @@ void tst_ProjectView::AnEditThatDiffersAsksForTheName()
         QVERIFY(editor);
         editor->setText(text);
         QTest::keyClick(editor, Qt::Key_Return);
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QTRY_VERIFY(!mTree->findChild<QLineEdit*>());
         mTree->setFocus();
     };
     edit(QStringLiteral("cut"));
