@@ -253,7 +253,7 @@ void PlayerWindow::AddBookmarkCommands(std::vector<Command>& commands)
     add("range.start", tr("|Range &Starts Here"), {Qt::Key_I},
         [this]
         {
-            if (const std::shared_ptr<MediaTimeline>& timeline = mPlayback->LeadingTimeline())
+            if (const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->LeadingTimeline())
                 mPlayback->SetRange(
                     mPlayback->CurrentTime(),
                     timeline->FrameToTime(std::max(mPlayback->Range().last, mPlayback->CurrentFrame())));
@@ -261,7 +261,7 @@ void PlayerWindow::AddBookmarkCommands(std::vector<Command>& commands)
     add("range.end", tr("Range &Ends Here"), {Qt::Key_O},
         [this]
         {
-            if (const std::shared_ptr<MediaTimeline>& timeline = mPlayback->LeadingTimeline())
+            if (const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->LeadingTimeline())
                 mPlayback->SetRange(
                     timeline->FrameToTime(std::min(mPlayback->Range().first, mPlayback->CurrentFrame())),
                     mPlayback->CurrentTime());
@@ -269,21 +269,21 @@ void PlayerWindow::AddBookmarkCommands(std::vector<Command>& commands)
     add("range.reset", tr("W&hole Range"), {Qt::Key_Backslash},
         [this]
         {
-            if (const std::shared_ptr<MediaTimeline>& timeline = mPlayback->LeadingTimeline())
+            if (const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->LeadingTimeline())
                 mPlayback->SetRange(timeline->GetStartTime(), timeline->GetEndTime());
         });
 }
 
 void PlayerWindow::ToggleTimeBookmark()
 {
-    if (const std::shared_ptr<MediaTimeline>& timeline = mPlayback->LeadingTimeline())
+    if (const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->LeadingTimeline())
         timeline->ToggleBookmark(mPlayback->CurrentFrame());
     mTimelines->UpdateBookmarks();
 }
 
 void PlayerWindow::ToggleRangeBookmark()
 {
-    const std::shared_ptr<MediaTimeline>& timeline = mPlayback->LeadingTimeline();
+    const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->LeadingTimeline();
     if (!timeline)
         return;
     const int64_t start = timeline->FrameToTime(mPlayback->Range().first);
@@ -295,7 +295,7 @@ void PlayerWindow::ToggleRangeBookmark()
 
 void PlayerWindow::GoToBookmark(int direction)
 {
-    const std::shared_ptr<MediaTimeline>& timeline = mPlayback->LeadingTimeline();
+    const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->LeadingTimeline();
     if (!timeline)
         return;
     const int frame = timeline->NextBookmarkedFrame(mPlayback->CurrentFrame(), direction);
@@ -315,6 +315,6 @@ void PlayerWindow::GoToPreviousBookmark()
 
 void PlayerWindow::StepSeconds(int seconds)
 {
-    if (const std::shared_ptr<MediaTimeline>& timeline = mPlayback->LeadingTimeline())
-        mPlayback->Step(seconds * qRound(timeline->Info().frameRate.PerSecond()));
+    if (const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->LeadingTimeline())
+        mPlayback->Step(seconds * qRound(timeline->Rate().PerSecond()));
 }

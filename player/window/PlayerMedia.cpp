@@ -45,7 +45,9 @@ void PlayerWindow::OpenFromDialog(int viewer)
 
 void PlayerWindow::OnMediaOpened(int index, int viewer)
 {
-    const MediaInfo& info = mMedia->Entries()[static_cast<size_t>(index)].timeline->Info();
+    const MediaLibrary::Entry& entry = mMedia->Entries()[static_cast<size_t>(index)];
+    const MediaInfo& info = entry.timeline->Info();
+    mPlayback->Lanes().Adopt(entry.timeline->GetMediaSource(), entry.media);
     Logger::GetInstance()->Info(tr("Opened %1: %2 x %3, %4 frames at %5 frames per second, %6")
                                     .arg(info.path)
                                     .arg(info.width)
@@ -84,7 +86,7 @@ void PlayerWindow::ShowEntry(int index, int viewer)
     ShowPicture(mViewer, viewer, QImage());
     if (viewer == 1 && mViewer->GetViewerLayout() == Single)
         SetLayout(Horizontal);
-    mPlayback->SetTimeline(viewer, entry.timeline, entry.media);
+    mPlayback->SetTimeline(viewer, entry.timeline);
     UpdateTitle();
     UpdateMediaMenu();
     UpdateStatus();
@@ -155,7 +157,7 @@ void PlayerWindow::OnPictureReady(int viewer, int frame, const ReadResult& resul
     if (mStrokes->DrawingViewer() == viewer)
         mStrokes->Cancel();
     ShowPicture(mViewer, viewer, result.image);
-    const std::shared_ptr<MediaTimeline>& timeline = mPlayback->TimelineOf(viewer);
+    const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->TimelineOf(viewer);
     OverlayPresenter::Present(mViewer, viewer, timeline->Annotations().get(), frame);
     RefreshViewers();
     EmitIfSettled();

@@ -21,7 +21,7 @@ void PlayerWindow::PresentOverlays()
 {
     for (int viewer = 0; viewer < PlaybackController::ViewerCount; ++viewer)
     {
-        const std::shared_ptr<MediaTimeline>& timeline = mPlayback->TimelineOf(viewer);
+        const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->TimelineOf(viewer);
         OverlayPresenter::Present(mViewer, viewer, timeline ? timeline->Annotations().get() : nullptr,
                                   mPlayback->ShownFrame(viewer));
     }
@@ -38,7 +38,7 @@ void PlayerWindow::OnDrawingsChanged(AnnotationStore* store, int frame)
     // Undo and redo take the user to the frame that they change.
     for (int viewer = 0; viewer < PlaybackController::ViewerCount; ++viewer)
     {
-        const std::shared_ptr<MediaTimeline>& timeline = mPlayback->TimelineOf(viewer);
+        const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->TimelineOf(viewer);
         if (timeline && timeline->Annotations().get() == store && mPlayback->ShownFrame(viewer) != frame)
         {
             mPlayback->Pause();

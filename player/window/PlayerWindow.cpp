@@ -8,6 +8,7 @@
 #include "media/FrameLoader.h"
 #include "playback/PlaybackController.h"
 #include "project/MediaLibrary.h"
+#include "project/MediaSource.h"
 #include "project/MediaTimeline.h"
 #include "timelines/TimelineWidget.h"
 #include "toolbars/PlaybackControlWidget.h"
@@ -94,12 +95,13 @@ void PlayerWindow::CreateWidgets()
         mViewer, &mUndoStack,
         [this](int viewer)
         {
-            const std::shared_ptr<MediaTimeline>& timeline = mPlayback->TimelineOf(viewer);
+            const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->TimelineOf(viewer);
             if (!timeline || mPlayback->ShownFrame(viewer) == 0)
                 return StrokeTarget();
             return StrokeTarget{timeline->Annotations(), mPlayback->ShownFrame(viewer)};
         },
         this);
+    mPlayback->Lanes().SetPictureFormat(PictureFormatOf(mViewer));
     mInput = new ViewerInput(mViewer, mStrokes, mPlayback, this);
     mTimelines = new TimelineBinding(mPlayback, mLoader, this, this);
     mTransport = new PlaybackControlWidget(this);
@@ -160,6 +162,7 @@ void PlayerWindow::CreateConnections()
     connect(mMedia, SIGNAL(Failed(QString)), this, SLOT(OnMediaFailed(QString)));
     connect(mPlayback, SIGNAL(PictureReady(int, int, const ReadResult&)), this,
             SLOT(OnPictureReady(int, int, const ReadResult&)));
+    connect(mPlayback, SIGNAL(SourceFailed(QString)), this, SLOT(OnMediaFailed(QString)));
     connect(mPlayback, SIGNAL(PlayheadMoved(int64_t)), this, SLOT(OnPlayheadMoved()));
     connect(mPlayback, SIGNAL(PlayingChanged(bool)), this, SLOT(OnPlayingChanged()));
     connect(mPlayback, SIGNAL(ActualFrameRateChanged(float)), this, SLOT(OnActualFrameRateChanged(float)));
@@ -251,7 +254,7 @@ void PlayerWindow::UpdateTitle()
     QStringList names;
     for (int viewer = 0; viewer < PlaybackController::ViewerCount; ++viewer)
     {
-        if (const std::shared_ptr<MediaTimeline>& timeline = mPlayback->TimelineOf(viewer))
+        if (const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->TimelineOf(viewer))
             names << timeline->GetName();
     }
     const QString title = QString::fromLatin1(Settings::APPLICATION_TITLE);
@@ -261,7 +264,7 @@ void PlayerWindow::UpdateTitle()
 
 void PlayerWindow::UpdateStatus()
 {
-    const std::shared_ptr<MediaTimeline>& timeline = mPlayback->LeadingTimeline();
+    const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->LeadingTimeline();
     if (!timeline)
     {
         mMediaLabel->setText(mMedia->IsOpening() ? tr("Opening…")
@@ -271,14 +274,17 @@ void PlayerWindow::UpdateStatus()
         mToolLabel->clear();
         return;
     }
-    const MediaInfo& info = timeline->Info();
-    mMediaLabel->setText(tr("%1   %2 x %3   %4")
-                             .arg(timeline->GetName())
-                             .arg(info.width)
-                             .arg(info.height)
-                             .arg(info.codecName));
-    mFrameLabel->setText(tr("Frame %1 / %2").arg(mPlayback->CurrentFrame()).arg(info.frameCount));
-    QString rate = tr("%1 fps").arg(info.frameRate.PerSecond(), 0, 'g', 5);
+    const std::shared_ptr<const MediaSource> source = timeline->SourceAt(mPlayback->CurrentFrame());
+    if (source)
+        mMediaLabel->setText(tr("%1   %2 x %3   %4")
+                                 .arg(timeline->GetName())
+                                 .arg(source->Info().width)
+                                 .arg(source->Info().height)
+                                 .arg(source->Info().codecName));
+    else
+        mMediaLabel->setText(timeline->GetName());
+    mFrameLabel->setText(tr("Frame %1 / %2").arg(mPlayback->CurrentFrame()).arg(timeline->FrameCount()));
+    QString rate = tr("%1 fps").arg(timeline->Rate().PerSecond(), 0, 'g', 5);
     if (mPlayback->IsPlaying())
     {
         rate += tr("   showing %1").arg(static_cast<double>(mActualRate), 0, 'f', 1);
