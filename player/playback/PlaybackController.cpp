@@ -111,13 +111,14 @@ std::map<int, int> PlaybackController::CachedRanges() const
     if (!lead.timeline)
         return ranges;
     const std::vector<TimelineSegment>& segments = lead.timeline->Segments();
+    const auto open = mLanes.Open();
     for (size_t index = 0; index < segments.size(); ++index)
     {
         const TimelineSegment& segment = segments[index];
-        const int media = mLanes.Find(segment.source, lead.copies[index]);
-        if (media < 0)
+        const auto media = open.find({segment.source.get(), lead.copies[index]});
+        if (media == open.end())
             continue;
-        for (const auto& [first, last] : mLoader->CachedRanges(media))
+        for (const auto& [first, last] : mLoader->CachedRanges(media->second))
         {
             if (last < segment.mediaFirst || first > segment.mediaLast)
                 continue;

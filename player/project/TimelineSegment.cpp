@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "project/TimelineSegment.h"
 
-#include "host/Settings.h"
 #include "project/MediaSource.h"
 
 #include <algorithm>
@@ -11,11 +10,9 @@ int TimelineSegment::MediaFrameOf(int frame) const
 {
     const int64_t offset = std::clamp(frame, first, Last()) - first;
     const FrameRate& mediaRate = source->Info().frameRate;
-    // A frame that starts a rounding error before the source's frame shows that one.
+    // Starts of frames are rounded up, so a start that both share belongs to the frame in either.
     const int64_t mediaOffset =
-        mediaRate == rate
-            ? offset
-            : mediaRate.TimeToFrame(rate.FrameToTime(offset + 1) + Settings::ROUNDING_ERROR_EXTRA_TIME) - 1;
+        mediaRate == rate ? offset : mediaRate.TimeToFrame(rate.FrameToTime(offset + 1)) - 1;
     return static_cast<int>(std::clamp<int64_t>(mediaFirst + mediaOffset, mediaFirst, mediaLast));
 }
 

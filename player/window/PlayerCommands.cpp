@@ -7,6 +7,7 @@
 #include "project/MediaTimeline.h"
 #include "viewers/ViewerWidget.h"
 #include "window/CommandTable.h"
+#include "window/PanelCommands.h"
 #include "window/TimelineBinding.h"
 
 #include <QColorDialog>
@@ -35,6 +36,7 @@ std::vector<Command> PlayerWindow::MakeCommands()
     AddFileCommands(commands);
     AddPlaybackCommands(commands);
     AddViewCommands(commands);
+    AddPanelCommands(commands, mPanels);
     AddAnnotationCommands(commands);
     AddBookmarkCommands(commands);
     return commands;

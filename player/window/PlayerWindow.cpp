@@ -15,6 +15,7 @@
 #include "viewers/ViewerWidget.h"
 #include "window/CommandTable.h"
 #include "window/MessageBar.h"
+#include "window/PanelArea.h"
 #include "window/TimelineBinding.h"
 #include "window/ViewerInput.h"
 
@@ -107,6 +108,8 @@ void PlayerWindow::CreateWidgets()
     mTransport = new PlaybackControlWidget(this);
     mTransport->setObjectName(QStringLiteral("transport"));
     mMessages = new MessageBar(this);
+    mCenter = new QWidget(this);
+    mPanels = new PanelArea(mCenter, this);
 }
 
 void PlayerWindow::CreateActions()
@@ -133,14 +136,13 @@ void PlayerWindow::CreateActions()
 
 void PlayerWindow::CreateLayout()
 {
-    auto* const center = new QWidget(this);
-    mCenterLayout = new QVBoxLayout(center);
+    mCenterLayout = new QVBoxLayout(mCenter);
     mCenterLayout->setContentsMargins(0, 0, 0, 0);
     mCenterLayout->setSpacing(0);
     mCenterLayout->addWidget(mMessages);
     mCenterLayout->addWidget(mViewer, 1);
     ArrangeTimelines();
-    setCentralWidget(center);
+    setCentralWidget(mPanels);
     auto* const bar = new QHBoxLayout;
     bar->addStretch();
     bar->addWidget(mTransport);
@@ -247,6 +249,11 @@ MediaLibrary* PlayerWindow::Media() const
 StrokeController* PlayerWindow::Strokes() const
 {
     return mStrokes;
+}
+
+PanelArea* PlayerWindow::Panels() const
+{
+    return mPanels;
 }
 
 void PlayerWindow::UpdateTitle()

@@ -17,6 +17,7 @@ class CommandTable;
 class FrameLoader;
 class MediaLibrary;
 class MessageBar;
+class PanelArea;
 class PlaybackControlWidget;
 class PlaybackController;
 class QLabel;
@@ -50,6 +51,8 @@ public:
     ViewerWidget* Viewer() const;
     MediaLibrary* Media() const;
     StrokeController* Strokes() const;
+    /// The places of the panels round the viewers.
+    PanelArea* Panels() const;
 
 Q_SIGNALS:
     /// Every viewer that is to show a picture shows the one that it is to show, and nothing is being opened.
@@ -120,7 +123,9 @@ private:
     ViewerInput* mInput = nullptr;
     TimelineBinding* mTimelines = nullptr;
     PlaybackControlWidget* mTransport = nullptr;
+    QWidget* mCenter = nullptr;
     QVBoxLayout* mCenterLayout = nullptr;
+    PanelArea* mPanels = nullptr;
     CommandTable* mCommands = nullptr;
     MessageBar* mMessages = nullptr;
     QMenu* mMediaMenu = nullptr;

@@ -129,12 +129,12 @@ void tst_ElementTimeline::OtherRatesShowTheFrameOfTheirTime()
     for (int offset = 0; offset < segment.count; ++offset)
     {
         // The second statement, in real numbers: the frame on screen at the start of the timeline's frame. A
-        // start within a few microseconds of a boundary may belong to either side.
+        // start within a microsecond of a boundary may belong to either side.
         const double exact = offset * ratio;
         const int expected = std::min(int(std::floor(exact + 1e-9)), mediaFrames - 1) + 1;
         const int actual = segment.MediaFrameOf(segment.first + offset);
         const double fromBoundary = std::abs(exact - std::round(exact));
-        if (fromBoundary > 1e-3 || fromBoundary < 1e-9)
+        if (fromBoundary > 1e-4 || fromBoundary < 1e-9)
             QCOMPARE(actual, expected);
         const int back = segment.FrameOf(actual);
         QCOMPARE(segment.MediaFrameOf(back), actual);
