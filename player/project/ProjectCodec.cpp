@@ -190,6 +190,16 @@ PanZoom ReadView(const JsonPart& part)
     return view;
 }
 
+QJsonArray WriteMarks(const QSet<int>& marks)
+{
+    QList<int> frames = marks.values();
+    std::sort(frames.begin(), frames.end());
+    QJsonArray list;
+    for (const int frame : frames)
+        list.append(frame);
+    return list;
+}
+
 QJsonArray WriteRangeBookmarks(const QList<FrameRangeBookmark>& bookmarks, const ExtraParts& extras)
 {
     QJsonArray list;
@@ -335,14 +345,7 @@ QJsonObject WriteState(const TimelineState& state, const TimelineState* before, 
     if (state.view != old.view)
         json[L1("view")] = WriteView(state.view, extras);
     if (state.marks != old.marks)
-    {
-        QList<int> frames = state.marks.values();
-        std::sort(frames.begin(), frames.end());
-        QJsonArray marks;
-        for (const int frame : frames)
-            marks.append(frame);
-        json[L1("marks")] = marks;
-    }
+        json[L1("marks")] = WriteMarks(state.marks);
     if (!(state.rangeBookmarks == old.rangeBookmarks))
         json[L1("rangeBookmarks")] = WriteRangeBookmarks(state.rangeBookmarks, extras);
     const QJsonArray drawings = WriteDrawings(state, before, extras);
@@ -360,6 +363,12 @@ QJsonObject WriteState(const TimelineState& state, const TimelineState* before, 
     if (state.usesSourceRanges != old.usesSourceRanges)
         json[L1("usesSourceRanges")] = state.usesSourceRanges;
     return json;
+}
+
+QJsonObject WriteBookmarks(const TimelineState& state, const ExtraParts& extras)
+{
+    return {{L1("marks"), WriteMarks(state.marks)},
+            {L1("rangeBookmarks"), WriteRangeBookmarks(state.rangeBookmarks, extras)}};
 }
 
 void ReadState(const JsonPart& part, TimelineState& state, ExtraParts& extras, const SourceFinder& findSource)

@@ -80,6 +80,7 @@ public:
         AddBins();
         ReadDefault();
         KeepExtras();
+        mContent.MarkRemovedSources();
         mIsDone = true;
         return std::move(mContent);
     }
@@ -329,10 +330,20 @@ std::optional<ProjectContent> FromText(const QByteArray& text, const QString& pr
                      QStringLiteral("%1: %2").arg(LineOf(text, problem.offset), problem.errorString()));
         return std::nullopt;
     }
+    if (!document.isObject())
+    {
+        SetFileError(error, FileText("the document: an object belongs here"));
+        return std::nullopt;
+    }
+    return FromJson(document.object(), projectFolder, error);
+}
+
+std::optional<ProjectContent> FromJson(const QJsonObject& document, const QString& projectFolder,
+                                       QString* error)
+{
     try
     {
-        const JsonPart part(
-            document.isObject() ? QJsonValue(document.object()) : QJsonValue(document.array()), QString());
+        const JsonPart part(document, QString());
         if (part.Member("format").Text() != FormatName)
             part.Member("format").Fail(FileText("this is no project of the player"));
         const int version = part.Member("version").Integer(1, INT_MAX);

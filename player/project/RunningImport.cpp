@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "project/RunningImport.h"
 
+#include "project/MediaTimeline.h"
 #include "project/MediumReads.h"
 #include "project/Project.h"
 
