@@ -9,6 +9,7 @@
 #include "playback/PlaybackController.h"
 #include "project/MediaLibrary.h"
 #include "project/MediaTimeline.h"
+#include "sound/SoundPlayer.h"
 #include "timelines/TimelineWidget.h"
 #include "toolbars/PlaybackControlWidget.h"
 #include "viewers/ViewerWidget.h"
@@ -87,6 +88,14 @@ void PlayerWindow::CreateWidgets()
     mLoader = new FrameLoader(this);
     mPlayback = new PlaybackController(mLoader, this);
     mMedia = new MediaLibrary(mLoader, PictureFormatOf(mViewer), this);
+    mSound = new SoundPlayer(
+        [this]
+        {
+            const std::shared_ptr<MediaTimeline>& lead = mPlayback->LeadingTimeline();
+            return lead ? AudioSegmentsOf(lead->Info()) : std::vector<AudioSegment>();
+        },
+        this);
+    mSound->Lead(mPlayback);
     mViewer->setObjectName(QStringLiteral("viewer"));
     mViewer->setFocusPolicy(Qt::StrongFocus);
     mViewer->SetViewerLayout(static_cast<ViewerLayout>(Settings::viewerLayout));

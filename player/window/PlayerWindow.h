@@ -22,6 +22,7 @@ class PlaybackController;
 class QLabel;
 class QMenu;
 class QVBoxLayout;
+class SoundPlayer;
 class StrokeController;
 class TimelineBinding;
 class ViewerInput;
@@ -114,6 +115,7 @@ private:
     FrameLoader* mLoader = nullptr;
     PlaybackController* mPlayback = nullptr;
     MediaLibrary* mMedia = nullptr;
+    SoundPlayer* mSound = nullptr;
     QUndoStack mUndoStack;
     ViewerWidget* mViewer = nullptr;
     StrokeController* mStrokes = nullptr;
