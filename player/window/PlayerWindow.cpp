@@ -15,6 +15,7 @@
 #include "viewers/ViewerWidget.h"
 #include "window/CommandTable.h"
 #include "window/MessageBar.h"
+#include "window/OutputBinding.h"
 #include "window/PanelArea.h"
 #include "window/TimelineBinding.h"
 #include "window/ViewerInput.h"
@@ -105,6 +106,7 @@ void PlayerWindow::CreateWidgets()
     mPlayback->Lanes().SetPictureFormat(PictureFormatOf(mViewer));
     mInput = new ViewerInput(mViewer, mStrokes, mPlayback, this);
     mTimelines = new TimelineBinding(mPlayback, mLoader, this, this);
+    mOutput = new OutputBinding(mPlayback, mViewer, [this] { return mAnnotationsVisible; }, this);
     mTransport = new PlaybackControlWidget(this);
     mTransport->setObjectName(QStringLiteral("transport"));
     mMessages = new MessageBar(this);
@@ -256,6 +258,11 @@ PanelArea* PlayerWindow::Panels() const
     return mPanels;
 }
 
+OutputBinding* PlayerWindow::Output() const
+{
+    return mOutput;
+}
+
 void PlayerWindow::UpdateTitle()
 {
     QStringList names;
@@ -333,6 +340,11 @@ void PlayerWindow::keyPressEvent(QKeyEvent* event)
 
 void PlayerWindow::closeEvent(QCloseEvent* event)
 {
+    if (!mOutput->MayClose())
+    {
+        event->ignore();
+        return;
+    }
     mPlayback->Pause();
     Settings::WriteUserConfig();
     QMainWindow::closeEvent(event);

@@ -17,6 +17,7 @@ class CommandTable;
 class FrameLoader;
 class MediaLibrary;
 class MessageBar;
+class OutputBinding;
 class PanelArea;
 class PlaybackControlWidget;
 class PlaybackController;
@@ -51,6 +52,7 @@ public:
     ViewerWidget* Viewer() const;
     MediaLibrary* Media() const;
     StrokeController* Strokes() const;
+    OutputBinding* Output() const;
     /// The places of the panels round the viewers.
     PanelArea* Panels() const;
 
@@ -122,6 +124,7 @@ private:
     StrokeController* mStrokes = nullptr;
     ViewerInput* mInput = nullptr;
     TimelineBinding* mTimelines = nullptr;
+    OutputBinding* mOutput = nullptr;
     PlaybackControlWidget* mTransport = nullptr;
     QWidget* mCenter = nullptr;
     QVBoxLayout* mCenterLayout = nullptr;
