@@ -23,6 +23,7 @@
 #include "window/BookmarksBarBinding.h"
 #include "window/CommandTable.h"
 #include "window/MessageBar.h"
+#include "window/OutputBinding.h"
 #include "window/PanelArea.h"
 #include "window/PanelTogglesBinding.h"
 #include "window/PlainTooltips.h"
@@ -167,6 +168,7 @@ void PlayerWindow::CreateWidgets()
     mPlayback->Lanes().SetPictureFormat(PictureFormatOf(mViewer));
     mInput = new ViewerInput(mViewer, mAnnotation, mPlayback, this);
     mTimelines = new TimelineBinding(mPlayback, mLoader, this, this);
+    mOutput = new OutputBinding(mPlayback, mViewer, [this] { return mAnnotationsVisible; }, this);
     mTransport = new PlaybackControlWidget(this);
     mTransport->setObjectName(QStringLiteral("transport"));
     mMessages = new MessageBar(this);
@@ -359,6 +361,11 @@ PanelArea* PlayerWindow::Panels() const
     return mPanels;
 }
 
+OutputBinding* PlayerWindow::Output() const
+{
+    return mOutput;
+}
+
 void PlayerWindow::UpdateTitle()
 {
     QStringList names;
@@ -436,6 +443,11 @@ void PlayerWindow::keyPressEvent(QKeyEvent* event)
 
 void PlayerWindow::closeEvent(QCloseEvent* event)
 {
+    if (!mOutput->MayClose())
+    {
+        event->ignore();
+        return;
+    }
     mPlayback->Pause();
     mAnnotation->EndEdits();
     mAnnotationBar->WriteState();
