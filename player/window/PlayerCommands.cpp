@@ -5,8 +5,10 @@
 #include "host/Settings.h"
 #include "playback/PlaybackController.h"
 #include "project/MediaTimeline.h"
+#include "scripting/ScriptEngine.h"
 #include "viewers/ViewerWidget.h"
 #include "window/CommandTable.h"
+#include "window/ScriptBinding.h"
 #include "window/TimelineBinding.h"
 
 #include <QColorDialog>
@@ -37,6 +39,7 @@ std::vector<Command> PlayerWindow::MakeCommands()
     AddViewCommands(commands);
     AddAnnotationCommands(commands);
     AddBookmarkCommands(commands);
+    AddScriptCommands(commands);
     return commands;
 }
 
@@ -317,4 +320,17 @@ void PlayerWindow::StepSeconds(int seconds)
 {
     if (const std::shared_ptr<MediaTimeline>& timeline = mPlayback->LeadingTimeline())
         mPlayback->Step(seconds * qRound(timeline->Info().frameRate.PerSecond()));
+}
+
+void PlayerWindow::AddScriptCommands(std::vector<Command>& commands)
+{
+    const auto add =
+        [&](const char* name, const QString& text, std::initializer_list<int> keys, std::function<void()> run)
+    {
+        commands.push_back(
+            {QLatin1String(name), text, QStringLiteral("scripts"), Keys(keys), std::move(run), {}});
+    };
+    add("script.runFile", tr("&Run Script…"), {}, [this] { mScripts->RunFromDialog(); });
+    add("script.stop", tr("&Stop Script"), {Qt::CTRL + Qt::Key_Period},
+        [this] { mScripts->Engine()->Stop(); });
 }

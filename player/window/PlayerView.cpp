@@ -96,6 +96,11 @@ void PlayerWindow::OnPanZoomChangeRequested(QPointF panInterpolation, float zoom
     UpdateStatus();
 }
 
+void PlayerWindow::SetPanAndZoom(const QPointF& pan, float zoom)
+{
+    OnPanZoomChangeRequested(pan, zoom, true);
+}
+
 void PlayerWindow::SetZoom(float zoom)
 {
     const float allowed = std::min(std::max(zoom, 1.0f), Settings::zoomMaximum);
@@ -144,5 +149,14 @@ void PlayerWindow::ChangeDrawWidth(float factor)
     Settings::drawWidth = width;
     if (Settings::drawEnabled)
         mViewer->RefreshAnnotations();
+    UpdateStatus();
+}
+
+void PlayerWindow::OnSettingsChanged()
+{
+    ArrangeTimelines();
+    PresentOverlays();
+    RefreshViewers();
+    mCommands->UpdateSwitches();
     UpdateStatus();
 }

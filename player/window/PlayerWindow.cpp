@@ -14,6 +14,7 @@
 #include "viewers/ViewerWidget.h"
 #include "window/CommandTable.h"
 #include "window/MessageBar.h"
+#include "window/ScriptBinding.h"
 #include "window/TimelineBinding.h"
 #include "window/ViewerInput.h"
 
@@ -78,6 +79,7 @@ PlayerWindow::PlayerWindow(const ViewerBackEndChoice& choice)
 
 PlayerWindow::~PlayerWindow()
 {
+    delete mScripts;
     // The viewers hold plain pointers to the annotations of timelines that go before them.
     ShowPicture(mViewer, -1, QImage());
 }
@@ -105,6 +107,7 @@ void PlayerWindow::CreateWidgets()
     mTransport = new PlaybackControlWidget(this);
     mTransport->setObjectName(QStringLiteral("transport"));
     mMessages = new MessageBar(this);
+    mScripts = new ScriptBinding(this);
 }
 
 void PlayerWindow::CreateActions()
@@ -115,9 +118,9 @@ void PlayerWindow::CreateActions()
         const char* name;
         QString text;
     };
-    for (const MenuRow& row :
-         {MenuRow{"file", tr("&File")}, MenuRow{"playback", tr("&Playback")}, MenuRow{"view", tr("&View")},
-          MenuRow{"annotate", tr("&Annotate")}, MenuRow{"bookmarks", tr("&Bookmarks")}})
+    for (const MenuRow& row : {MenuRow{"file", tr("&File")}, MenuRow{"playback", tr("&Playback")},
+                               MenuRow{"view", tr("&View")}, MenuRow{"annotate", tr("&Annotate")},
+                               MenuRow{"bookmarks", tr("&Bookmarks")}, MenuRow{"scripts", tr("&Scripts")}})
     {
         QMenu* const menu = menuBar()->addMenu(row.text);
         menu->setObjectName(QLatin1String(row.name) + QLatin1String("Menu"));
@@ -244,6 +247,21 @@ MediaLibrary* PlayerWindow::Media() const
 StrokeController* PlayerWindow::Strokes() const
 {
     return mStrokes;
+}
+
+ScriptBinding* PlayerWindow::Scripts() const
+{
+    return mScripts;
+}
+
+QPointF PlayerWindow::Pan() const
+{
+    return mPan;
+}
+
+float PlayerWindow::Zoom() const
+{
+    return mZoom;
 }
 
 void PlayerWindow::UpdateTitle()

@@ -22,6 +22,7 @@ class PlaybackController;
 class QLabel;
 class QMenu;
 class QVBoxLayout;
+class ScriptBinding;
 class StrokeController;
 class TimelineBinding;
 class ViewerInput;
@@ -50,6 +51,16 @@ public:
     ViewerWidget* Viewer() const;
     MediaLibrary* Media() const;
     StrokeController* Strokes() const;
+    ScriptBinding* Scripts() const;
+    /// How the viewers are panned and zoomed, in ViewerWidget::SetPanAndZoom()'s terms.
+    QPointF Pan() const;
+    float Zoom() const;
+    void SetPanAndZoom(const QPointF& pan, float zoom);
+    void SetActiveViewer(int viewer);
+    /// Whether every viewer shows what it is to show, and nothing is being opened.
+    bool IsSettled() const;
+    /// Has the window act on settings that have changed.
+    void OnSettingsChanged();
 
 Q_SIGNALS:
     /// Every viewer that is to show a picture shows the one that it is to show, and nothing is being opened.
@@ -91,6 +102,7 @@ private:
     void AddViewCommands(std::vector<Command>& commands);
     void AddAnnotationCommands(std::vector<Command>& commands);
     void AddBookmarkCommands(std::vector<Command>& commands);
+    void AddScriptCommands(std::vector<Command>& commands);
 
     void OpenFromDialog(int viewer);
     void ShowEntry(int index, int viewer);
@@ -103,7 +115,6 @@ private:
     void ChangeDrawWidth(float factor);
     void ZoomBy(float factor);
     void SetZoom(float zoom);
-    void SetActiveViewer(int viewer);
     void EmitIfSettled();
     void ArrangeTimelines();
     void ToggleTimeBookmark();
@@ -123,6 +134,7 @@ private:
     QVBoxLayout* mCenterLayout = nullptr;
     CommandTable* mCommands = nullptr;
     MessageBar* mMessages = nullptr;
+    ScriptBinding* mScripts = nullptr;
     QMenu* mMediaMenu = nullptr;
     QLabel* mMediaLabel = nullptr;
     QLabel* mToolLabel = nullptr;
