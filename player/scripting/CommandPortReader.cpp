@@ -72,7 +72,7 @@ bool CommandPortReader::Feed(const QByteArray& bytes, std::deque<Request>* reque
 bool CommandPortReader::TakeLine(QByteArray line, std::deque<Request>* requests)
 {
     const int blank = line.indexOf(' ');
-    const QByteArray word = line.left(blank);
+    const QByteArray word = blank < 0 ? line : line.left(blank);
     const QByteArray argument = blank < 0 ? QByteArray() : line.mid(blank + 1);
     if (!mHasToken)
     {

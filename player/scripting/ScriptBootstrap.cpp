@@ -160,7 +160,7 @@ void FlushText()
         channel->Flush();
 }
 
-/// Ends the threads that the script has made, as soon as they run Python.
+/// Ends the threads that the script has made, without a word, as soon as they run Python.
 void StopOtherThreads()
 {
     PyThreadState* const own = PyThreadState_Get();
@@ -168,7 +168,7 @@ void StopOtherThreads()
          each = PyThreadState_Next(each))
     {
         if (each != own)
-            PyThreadState_SetAsyncExc(each->thread_id, PyExc_KeyboardInterrupt);
+            PyThreadState_SetAsyncExc(each->thread_id, PyExc_SystemExit);
     }
 }
 
