@@ -80,6 +80,7 @@ QByteArray GeneratedBytes(QRandomGenerator* random)
         "token ",     "token abc\n", "list\n",         "run a\n",   "run ", "eval 1\r\n", "eval ", "script ",
         "script 5\n", "stop\n",      "script 70000\n", "\n",        "\r\n", "\r",         "12",    " ",
         "list ",      "0\n",         "\xff\xc3\x9c",   "1048577\n", "hello"};
+    static const QByteArray right[] = {"list\n", "run a\n", "eval 1\r\n", "script 5\nhello", "stop\r\n"};
     QByteArray bytes = random->bounded(8) == 0 ? QByteArray() : QByteArray("token abc\n");
     const int parts = random->bounded(12);
     for (int part = 0; part < parts; ++part)
@@ -94,6 +95,14 @@ QByteArray GeneratedBytes(QRandomGenerator* random)
             break;
         case 2:
             bytes += static_cast<char>(random->bounded(256));
+            break;
+        case 3:
+        case 4:
+        case 5:
+        case 6:
+        case 7:
+        case 8:
+            bytes += right[random->bounded(static_cast<int>(std::size(right)))];
             break;
         default:
             bytes += words[random->bounded(static_cast<int>(std::size(words)))];
