@@ -3,7 +3,7 @@
 
 #include "host/Settings.h"
 #include "playback/PlaybackController.h"
-#include "project/MediaTimeline.h"
+#include "project/ProjectTimeline.h"
 #include "scripting/ScriptHost.h"
 #include "window/CommandTable.h"
 
