@@ -8,6 +8,7 @@
 #include "window/BarCommands.h"
 #include "window/CommandTable.h"
 #include "window/PanelCommands.h"
+#include "window/ScriptCommands.h"
 
 #include <algorithm>
 
@@ -37,6 +38,7 @@ std::vector<Command> PlayerWindow::MakeCommands()
     AddAnnotationCommands(commands, mAnnotationBar, mAnnotation,
                           [this](bool removeBookmark) { ClearFrame(removeBookmark); });
     AddBookmarkCommands(commands, mBookmarks, mBookmarksBar);
+    AddScriptCommands(commands, mScripts);
     return commands;
 }
 

@@ -172,14 +172,20 @@ void PlayerWindow::OnFrameFailed(int media, int frame, const QString& text)
     Logger::GetInstance()->Error(text);
 }
 
-void PlayerWindow::EmitIfSettled()
+bool PlayerWindow::IsSettled() const
 {
     if (mMedia->IsOpening())
-        return;
+        return false;
     for (int viewer = 0; viewer < PlaybackController::ViewerCount; ++viewer)
     {
         if (mPlayback->ShownFrame(viewer) != mPlayback->WantedFrame(viewer))
-            return;
+            return false;
     }
-    Q_EMIT Settled();
+    return true;
+}
+
+void PlayerWindow::EmitIfSettled()
+{
+    if (IsSettled())
+        Q_EMIT Settled();
 }

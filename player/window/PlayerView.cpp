@@ -181,6 +181,11 @@ void PlayerWindow::OnPanZoomChangeRequested(QPointF panInterpolation, float zoom
     UpdateStatus();
 }
 
+void PlayerWindow::SetPanAndZoom(const QPointF& pan, float zoom)
+{
+    OnPanZoomChangeRequested(pan, zoom, true);
+}
+
 void PlayerWindow::SetZoom(float zoom)
 {
     const float allowed = std::min(std::max(zoom, 1.0f), Settings::zoomMaximum);
@@ -204,4 +209,12 @@ void PlayerWindow::SetLayout(int layout)
     mViewer->SetViewerLayout(static_cast<ViewerLayout>(layout));
     RefreshViewers();
     SyncBars();
+}
+
+void PlayerWindow::OnSettingsChanged()
+{
+    ArrangeTimelines();
+    OnToolChanged();
+    SyncBars();
+    mCommands->UpdateSwitches();
 }

@@ -25,6 +25,7 @@
 #include "window/PanelArea.h"
 #include "window/PanelTogglesBinding.h"
 #include "window/PlainTooltips.h"
+#include "window/ScriptBinding.h"
 #include "window/TimelineBinding.h"
 #include "window/ViewerInput.h"
 #include "window/VolumeBarBinding.h"
@@ -122,6 +123,7 @@ PlayerWindow::PlayerWindow(const ViewerBackEndChoice& choice)
 
 PlayerWindow::~PlayerWindow()
 {
+    delete mScripts;
     // The viewers hold plain pointers to the annotations of timelines that go before them.
     ShowPicture(mViewer, -1, QImage());
 }
@@ -166,6 +168,7 @@ void PlayerWindow::CreateWidgets()
     mBookmarksBar = new BookmarksBarBinding(mBookmarks, mCenter, this);
     mVolumeBar = new VolumeBarBinding(mVolume, mCenter, this);
     mPanelToggles = new PanelTogglesBinding(mPanels, mAnnotationBar, mCenter, this);
+    mScripts = new ScriptBinding(this);
 }
 
 void PlayerWindow::CreateActions()
@@ -176,9 +179,9 @@ void PlayerWindow::CreateActions()
         const char* name;
         QString text;
     };
-    for (const MenuRow& row :
-         {MenuRow{"file", tr("&File")}, MenuRow{"playback", tr("&Playback")}, MenuRow{"view", tr("&View")},
-          MenuRow{"annotate", tr("&Annotate")}, MenuRow{"bookmarks", tr("&Bookmarks")}})
+    for (const MenuRow& row : {MenuRow{"file", tr("&File")}, MenuRow{"playback", tr("&Playback")},
+                               MenuRow{"view", tr("&View")}, MenuRow{"annotate", tr("&Annotate")},
+                               MenuRow{"bookmarks", tr("&Bookmarks")}, MenuRow{"scripts", tr("&Scripts")}})
     {
         QMenu* const menu = menuBar()->addMenu(row.text);
         menu->setObjectName(QLatin1String(row.name) + QLatin1String("Menu"));
@@ -345,6 +348,21 @@ void PlayerWindow::OnKeysChanged()
 PanelArea* PlayerWindow::Panels() const
 {
     return mPanels;
+}
+
+ScriptBinding* PlayerWindow::Scripts() const
+{
+    return mScripts;
+}
+
+QPointF PlayerWindow::Pan() const
+{
+    return mPan;
+}
+
+float PlayerWindow::Zoom() const
+{
+    return mZoom;
 }
 
 void PlayerWindow::UpdateTitle()

@@ -34,6 +34,7 @@ class QLabel;
 class QMenu;
 class ProjectTimeline;
 class QVBoxLayout;
+class ScriptBinding;
 class StrokeController;
 class TimelineBinding;
 class ViewerInput;
@@ -63,6 +64,16 @@ public:
     ViewerWidget* Viewer() const;
     MediaLibrary* Media() const;
     StrokeController* Strokes() const;
+    ScriptBinding* Scripts() const;
+    /// How the viewers are panned and zoomed, in ViewerWidget::SetPanAndZoom()'s terms.
+    QPointF Pan() const;
+    float Zoom() const;
+    void SetPanAndZoom(const QPointF& pan, float zoom);
+    void SetActiveViewer(int viewer);
+    /// Whether every viewer shows what it is to show, and nothing is being opened.
+    bool IsSettled() const;
+    /// Has the window act on settings that have changed.
+    void OnSettingsChanged();
     AnnotationController* Annotation() const;
     /// How loud it is to be.
     VolumeState* Volume() const;
@@ -129,7 +140,6 @@ private:
     void ShowChange(const ProjectTimeline* timeline, int frame);
     void ZoomBy(float factor);
     void SetZoom(float zoom);
-    void SetActiveViewer(int viewer);
     void EmitIfSettled();
     void ArrangeTimelines();
     void StepSeconds(int seconds);
@@ -156,6 +166,7 @@ private:
     PanelArea* mPanels = nullptr;
     CommandTable* mCommands = nullptr;
     MessageBar* mMessages = nullptr;
+    ScriptBinding* mScripts = nullptr;
     QMenu* mMediaMenu = nullptr;
     QLabel* mMediaLabel = nullptr;
     QLabel* mToolLabel = nullptr;
