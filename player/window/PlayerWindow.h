@@ -23,6 +23,7 @@ class AnnotationStore;
 class BookmarkController;
 class BookmarksBarBinding;
 class CommandTable;
+class ConsoleBinding;
 class FrameLoader;
 class MediaLibrary;
 class MessageBar;
@@ -33,8 +34,10 @@ class PlaybackController;
 class QLabel;
 class QMenu;
 class ProjectTimeline;
+class RecentFiles;
 class QVBoxLayout;
 class ScriptBinding;
+class SettingsBinding;
 class StrokeController;
 class TimelineBinding;
 class ViewerInput;
@@ -65,6 +68,9 @@ public:
     MediaLibrary* Media() const;
     StrokeController* Strokes() const;
     ScriptBinding* Scripts() const;
+    ConsoleBinding* Console() const;
+    /// Preferences, project settings, about box.
+    SettingsBinding* Preferences() const;
     /// How the viewers are panned and zoomed, in ViewerWidget::SetPanAndZoom()'s terms.
     QPointF Pan() const;
     float Zoom() const;
@@ -97,6 +103,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private Q_SLOTS:
+    void OnRecentFilePicked(const QString& path);
     void OnMediaOpened(int index, int viewer);
     void OnMediaFailed(const QString& text);
     void OnFrameFailed(int media, int frame, const QString& text);
@@ -130,6 +137,8 @@ private:
     void AddViewCommands(std::vector<Command>& commands);
 
     void OpenFromDialog(int viewer);
+    /// Opens @p paths as the user asks: in viewer @p viewer, or in a player of their own.
+    void OpenForUser(const QStringList& paths, int viewer);
     void ShowEntry(int index, int viewer);
     void ShowNeighbourEntry(int step);
     void UpdateMediaMenu();
@@ -167,6 +176,9 @@ private:
     CommandTable* mCommands = nullptr;
     MessageBar* mMessages = nullptr;
     ScriptBinding* mScripts = nullptr;
+    ConsoleBinding* mConsole = nullptr;
+    SettingsBinding* mSettings = nullptr;
+    RecentFiles* mRecentFiles = nullptr;
     QMenu* mMediaMenu = nullptr;
     QLabel* mMediaLabel = nullptr;
     QLabel* mToolLabel = nullptr;

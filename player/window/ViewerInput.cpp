@@ -7,7 +7,9 @@
 #include "viewers/ViewerWidget.h"
 
 #include <QApplication>
+#include <QCursor>
 #include <QMouseEvent>
+#include <QScreen>
 
 #include <algorithm>
 
@@ -97,6 +99,7 @@ void ViewerInput::OnScrubStateChanged(bool enabled)
     {
         mPressFrame = mPlayback->CurrentFrame();
         mScrubMoved = false;
+        mWrappedTo.reset();
     }
     mScrubbing = enabled;
     mPlayback->SetScrubbing(enabled);
@@ -104,6 +107,11 @@ void ViewerInput::OnScrubStateChanged(bool enabled)
 
 void ViewerInput::Scrub(const QPoint& globalPos)
 {
+    // Moves from before the cursor was put elsewhere are still on their way.
+    const QScreen* const screen = QGuiApplication::screenAt(globalPos);
+    if (mWrappedTo && screen && std::abs(globalPos.x() - *mWrappedTo) > screen->geometry().width() / 2)
+        return;
+    mWrappedTo.reset();
     const int distance = globalPos.x() - mPressPos.x();
     // A click is no scrub: the hand may tremble.
     if (!mScrubMoved && std::abs(distance) < QApplication::startDragDistance())
@@ -115,4 +123,25 @@ void ViewerInput::Scrub(const QPoint& globalPos)
     const int frame = range.Clamp(mPressFrame + static_cast<int64_t>(distance * framesPerPixel));
     if (frame != mPlayback->CurrentFrame())
         mPlayback->SeekFrame(frame);
+    if (Settings::endlessMouseScurb)
+        WrapCursor(globalPos);
+}
+
+void ViewerInput::WrapCursor(const QPoint& globalPos)
+{
+    const QScreen* const screen = QGuiApplication::screenAt(globalPos);
+    if (!screen)
+        return;
+    const QRect area = screen->geometry();
+    int x = globalPos.x();
+    if (x <= area.left())
+        x = area.right() - 1;
+    else if (x >= area.right())
+        x = area.left() + 1;
+    else
+        return;
+    // The way that the hand has gone stays as long as it is.
+    mPressPos.rx() += x - globalPos.x();
+    mWrappedTo = x;
+    QCursor::setPos(x, globalPos.y());
 }
