@@ -2,8 +2,8 @@
 // The window's media: what is open, and what the viewers show of it.
 #include "window/PlayerWindow.h"
 
+#include "annotation/AnnotationController.h"
 #include "annotation/AnnotationStore.h"
-#include "annotation/StrokeController.h"
 #include "host/Logger.h"
 #include "playback/PlaybackController.h"
 #include "project/MediaLibrary.h"
@@ -12,7 +12,6 @@
 #include "window/CommandTable.h"
 #include "window/DemoDrawing.h"
 #include "window/MessageBar.h"
-#include "window/OverlayPresenter.h"
 #include "window/ViewerBackEndChoice.h"
 
 #include <QAction>
@@ -79,7 +78,7 @@ void PlayerWindow::OnMediaFailed(const QString& text)
 void PlayerWindow::ShowEntry(int index, int viewer)
 {
     const MediaLibrary::Entry& entry = mMedia->Entries()[static_cast<size_t>(index)];
-    mStrokes->Cancel();
+    mAnnotation->EndEdits();
     if (const auto& old = mPlayback->TimelineOf(viewer); old && old != entry.timeline)
         old->SetViewerIndex(-1);
     entry.timeline->SetViewerIndex(viewer);
@@ -154,11 +153,14 @@ void PlayerWindow::UpdateMediaMenu()
 
 void PlayerWindow::OnPictureReady(int viewer, int frame, const ReadResult& result)
 {
-    if (mStrokes->DrawingViewer() == viewer)
-        mStrokes->Cancel();
+    if (mAnnotation->Strokes()->DrawingViewer() == viewer)
+        mAnnotation->Strokes()->Cancel();
+    if (mAnnotation->Text()->TypingViewer() == viewer && mAnnotation->Text()->TypingFrame() != frame)
+        mAnnotation->Text()->Finish();
     ShowPicture(mViewer, viewer, result.image);
     const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->TimelineOf(viewer);
-    OverlayPresenter::Present(mViewer, viewer, timeline->Annotations().get(), frame);
+    mOverlays.Present(mViewer, viewer, timeline->Annotations().get(), frame,
+                      mAnnotation->Text()->TypingViewer() == viewer);
     RefreshViewers();
     EmitIfSettled();
 }

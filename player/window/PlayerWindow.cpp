@@ -1,31 +1,43 @@
 // SPDX-License-Identifier: MIT
 #include "window/PlayerWindow.h"
 
+#include "annotation/AnnotationController.h"
 #include "annotation/AnnotationStore.h"
-#include "annotation/StrokeController.h"
 #include "host/Logger.h"
 #include "host/Settings.h"
 #include "media/FrameLoader.h"
 #include "playback/PlaybackController.h"
+#include "playback/VolumeState.h"
+#include "project/BookmarkController.h"
 #include "project/MediaLibrary.h"
 #include "project/MediaSource.h"
 #include "project/MediaTimeline.h"
 #include "timelines/TimelineWidget.h"
+#include "toolbars/BookmarksToolbarWidget.h"
 #include "toolbars/PlaybackControlWidget.h"
+#include "toolbars/SecondaryControlsWidget.h"
+#include "toolbars/VolumeWidget.h"
 #include "viewers/ViewerWidget.h"
+#include "window/AnnotationBarBinding.h"
+#include "window/BookmarksBarBinding.h"
 #include "window/CommandTable.h"
 #include "window/MessageBar.h"
 #include "window/PanelArea.h"
+#include "window/PanelTogglesBinding.h"
+#include "window/PlainTooltips.h"
 #include "window/TimelineBinding.h"
 #include "window/ViewerInput.h"
+#include "window/VolumeBarBinding.h"
 
 #include <QAction>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QScreen>
 #include <QStatusBar>
 #include <QTimer>
 #include <QUrl>
@@ -37,7 +49,10 @@ namespace
 {
 
 constexpr QSize InitialSize(1280, 800);
+/// How much of a small screen a new window may take.
+constexpr double ScreenPart = 0.9;
 constexpr int StatusMargin = 8;
+constexpr int BarMargin = 8;
 
 QStringList LocalFiles(const QMimeData* data)
 {
@@ -48,6 +63,28 @@ QStringList LocalFiles(const QMimeData* data)
             paths << url.toLocalFile();
     }
     return paths;
+}
+
+QString ToolName(AnnotationToolType tool)
+{
+    switch (tool)
+    {
+    case Pencil:
+        return PlayerWindow::tr("Pencil");
+    case Eraser:
+        return PlayerWindow::tr("Eraser");
+    case Text:
+        return PlayerWindow::tr("Text");
+    case Arrow:
+        return PlayerWindow::tr("Arrow");
+    case Oval:
+        return PlayerWindow::tr("Oval");
+    case Eyedropper:
+        return PlayerWindow::tr("Eyedropper");
+    case Rectangle:
+        return PlayerWindow::tr("Rectangle");
+    }
+    return QString();
 }
 
 QLabel* MakeStatusLabel(QWidget* parent, const char* objectName)
@@ -69,7 +106,12 @@ PlayerWindow::PlayerWindow(const ViewerBackEndChoice& choice)
     CreateActions();
     CreateLayout();
     CreateConnections();
-    resize(InitialSize);
+    mVolumeBar->ReadState();
+    mBookmarksBar->ReadState();
+    mAnnotationBar->ReadState();
+    OnKeysChanged();
+    SyncBars();
+    resize(InitialSize.boundedTo(ScreenPart * QGuiApplication::primaryScreen()->availableSize()));
     setAcceptDrops(true);
     UpdateTitle();
     UpdateStatus();
@@ -92,7 +134,7 @@ void PlayerWindow::CreateWidgets()
     mViewer->setObjectName(QStringLiteral("viewer"));
     mViewer->setFocusPolicy(Qt::StrongFocus);
     mViewer->SetViewerLayout(static_cast<ViewerLayout>(Settings::viewerLayout));
-    mStrokes = new StrokeController(
+    mAnnotation = new AnnotationController(
         mViewer, &mUndoStack,
         [this](int viewer)
         {
@@ -101,15 +143,29 @@ void PlayerWindow::CreateWidgets()
                 return StrokeTarget();
             return StrokeTarget{timeline->Annotations(), mPlayback->ShownFrame(viewer)};
         },
+        [this](int viewer)
+        {
+            const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->TimelineOf(viewer);
+            const auto source = timeline ? timeline->SourceAt(mPlayback->ShownFrame(viewer)) : nullptr;
+            return source ? QSize(source->Info().width, source->Info().height) : QSize();
+        },
         this);
+    mBookmarks = new BookmarkController(mPlayback, &mUndoStack, this);
+    mVolume = new VolumeState(this);
     mPlayback->Lanes().SetPictureFormat(PictureFormatOf(mViewer));
-    mInput = new ViewerInput(mViewer, mStrokes, mPlayback, this);
+    mInput = new ViewerInput(mViewer, mAnnotation, mPlayback, this);
     mTimelines = new TimelineBinding(mPlayback, mLoader, this, this);
     mTransport = new PlaybackControlWidget(this);
     mTransport->setObjectName(QStringLiteral("transport"));
     mMessages = new MessageBar(this);
+    new PlainTooltips(this);
     mCenter = new QWidget(this);
+    mViewerRow = new QWidget(mCenter);
     mPanels = new PanelArea(mCenter, this);
+    mAnnotationBar = new AnnotationBarBinding(mAnnotation, mViewerRow, this);
+    mBookmarksBar = new BookmarksBarBinding(mBookmarks, mCenter, this);
+    mVolumeBar = new VolumeBarBinding(mVolume, mCenter, this);
+    mPanelToggles = new PanelTogglesBinding(mPanels, mAnnotationBar, mCenter, this);
 }
 
 void PlayerWindow::CreateActions()
@@ -140,14 +196,23 @@ void PlayerWindow::CreateLayout()
     mCenterLayout->setContentsMargins(0, 0, 0, 0);
     mCenterLayout->setSpacing(0);
     mCenterLayout->addWidget(mMessages);
-    mCenterLayout->addWidget(mViewer, 1);
+    mCenterLayout->addWidget(mViewerRow, 1);
+    auto* const row = new QHBoxLayout(mViewerRow);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(0);
+    row->addWidget(mViewer, 1);
+    mAnnotationBar->PlaceIn(row, mViewer);
     ArrangeTimelines();
     setCentralWidget(mPanels);
-    auto* const bar = new QHBoxLayout;
-    bar->addStretch();
-    bar->addWidget(mTransport);
-    bar->addStretch();
-    mCenterLayout->addLayout(bar);
+    mCenterLayout->addWidget(mBookmarksBar->Bar());
+    // The outer columns share what is left evenly, so that the transport stands in the middle.
+    auto* const bars = new QHBoxLayout;
+    bars->setContentsMargins(BarMargin, 0, BarMargin, 0);
+    bars->setSpacing(BarMargin);
+    bars->addWidget(mPanelToggles->Bar(), 1);
+    bars->addWidget(mTransport);
+    bars->addWidget(mVolumeBar->Bar(), 1);
+    mCenterLayout->addLayout(bars);
 
     mMediaLabel = MakeStatusLabel(this, "mediaLabel");
     mToolLabel = MakeStatusLabel(this, "toolLabel");
@@ -170,22 +235,33 @@ void PlayerWindow::CreateConnections()
     connect(mPlayback, SIGNAL(ActualFrameRateChanged(float)), this, SLOT(OnActualFrameRateChanged(float)));
     connect(mViewer, SIGNAL(PanZoomChangeRequested(QPointF, float, bool)), this,
             SLOT(OnPanZoomChangeRequested(QPointF, float, bool)));
-    connect(mViewer, SIGNAL(PlaybackToggled()), mPlayback, SLOT(TogglePlayback()));
+    connect(mViewer, SIGNAL(PlaybackToggled()), this, SLOT(OnViewerDoubleClicked()));
     connect(mTransport, SIGNAL(PlayForwardsPressed()), mPlayback, SLOT(ToggleForwards()));
     connect(mTransport, SIGNAL(PlayBackwardsPressed()), mPlayback, SLOT(ToggleBackwards()));
     connect(mTransport, SIGNAL(StepForwardsPressed()), mPlayback, SLOT(StepForwards()));
     connect(mTransport, SIGNAL(StepBackwardsPressed()), mPlayback, SLOT(StepBackwards()));
     connect(mTransport, SIGNAL(SeekStartPressed()), mPlayback, SLOT(GoToFirst()));
     connect(mTransport, SIGNAL(SeekEndPressed()), mPlayback, SLOT(GoToLast()));
-    connect(mTransport, SIGNAL(NextBookmarkPressed()), this, SLOT(GoToNextBookmark()));
-    connect(mTransport, SIGNAL(PreviousBookmarkPressed()), this, SLOT(GoToPreviousBookmark()));
+    connect(mTransport, SIGNAL(NextBookmarkPressed()), mBookmarks, SLOT(GoToNext()));
+    connect(mTransport, SIGNAL(PreviousBookmarkPressed()), mBookmarks, SLOT(GoToPrevious()));
     connect(mPlayback, SIGNAL(StateChanged(bool, bool)), mTransport,
             SLOT(OnPlaybackStateChanged(bool, bool)));
     connect(mInput, SIGNAL(FullPaintNeeded()), this, SLOT(RefreshViewers()));
     connect(mInput, SIGNAL(ViewerPressed(int)), this, SLOT(OnViewerPressed(int)));
-    connect(mStrokes, SIGNAL(OverlayChanged()), this, SLOT(PresentOverlays()));
-    connect(mStrokes, SIGNAL(DrawingsChanged(AnnotationStore*, int)), this,
-            SLOT(OnDrawingsChanged(AnnotationStore*, int)));
+    const StrokeController* const strokes = mAnnotation->Strokes();
+    connect(strokes, SIGNAL(OverlayChanged()), this, SLOT(PresentOverlays()));
+    connect(strokes, SIGNAL(DrawingsChanged(AnnotationStore*, int, bool)), this,
+            SLOT(OnDrawingsChanged(AnnotationStore*, int, bool)));
+    connect(mBookmarks, SIGNAL(DrawingsChanged(AnnotationStore*, int, bool)), this,
+            SLOT(OnDrawingsChanged(AnnotationStore*, int, bool)));
+    connect(mBookmarks, SIGNAL(BookmarksChanged(ProjectTimeline*, int, bool)), this,
+            SLOT(OnBookmarksChanged(ProjectTimeline*, int, bool)));
+    connect(mAnnotationBar, SIGNAL(ToolChanged()), this, SLOT(OnToolChanged()));
+    connect(mAnnotationBar, SIGNAL(GhostingChanged()), this, SLOT(OnGhostingChanged()));
+    connect(mAnnotationBar, SIGNAL(ClearFrameRequested(bool)), this, SLOT(ClearFrame(bool)));
+    connect(mVolumeBar, SIGNAL(LayoutRequested(int)), this, SLOT(SetLayout(int)));
+    connect(mCommands, SIGNAL(CommandRun()), this, SLOT(SyncBars()));
+    connect(mCommands, SIGNAL(KeysChanged()), this, SLOT(OnKeysChanged()));
     connect(mLoader, SIGNAL(FrameFailed(int, int, QString)), this, SLOT(OnFrameFailed(int, int, QString)));
     connect(mTimelines, SIGNAL(GlobalPositionChangeRequested(bool)), this,
             SLOT(OnGlobalPositionChangeRequested(bool)));
@@ -206,7 +282,7 @@ void PlayerWindow::ArrangeTimelines()
     {
         const bool atTop = isRange ? Settings::rangeTimelineAtTop : Settings::globalTimelineAtTop;
         const bool rangeIsAbove = !isRange && atTop && Settings::rangeTimelineAtTop;
-        QWidget* const below = rangeIsAbove ? static_cast<QWidget*>(range) : mViewer;
+        QWidget* const below = rangeIsAbove ? static_cast<QWidget*>(range) : mViewerRow;
         mCenterLayout->insertWidget(mCenterLayout->indexOf(below) + (atTop ? 0 : 1),
                                     isRange ? range : global);
     }
@@ -248,7 +324,22 @@ MediaLibrary* PlayerWindow::Media() const
 
 StrokeController* PlayerWindow::Strokes() const
 {
-    return mStrokes;
+    return mAnnotation->Strokes();
+}
+
+AnnotationController* PlayerWindow::Annotation() const
+{
+    return mAnnotation;
+}
+
+VolumeState* PlayerWindow::Volume() const
+{
+    return mVolume;
+}
+
+void PlayerWindow::OnKeysChanged()
+{
+    mAnnotationBar->UpdateHotkeys(mCommands);
 }
 
 PanelArea* PlayerWindow::Panels() const
@@ -304,7 +395,7 @@ void PlayerWindow::UpdateStatus()
     if (!Settings::drawEnabled)
         mToolLabel->clear();
     else
-        mToolLabel->setText(Settings::annotationTool == Eraser ? tr("Eraser") : tr("Pencil"));
+        mToolLabel->setText(ToolName(Settings::annotationTool));
 }
 
 void PlayerWindow::dragEnterEvent(QDragEnterEvent* event)
@@ -320,13 +411,13 @@ void PlayerWindow::dropEvent(QDropEvent* event)
         return;
     event->acceptProposedAction();
     mMessages->Clear();
-    OpenFiles(paths, mStrokes->ViewerAt(mapToGlobal(event->pos())));
+    OpenFiles(paths, mAnnotation->Strokes()->ViewerAt(mapToGlobal(event->pos())));
 }
 
 void PlayerWindow::keyPressEvent(QKeyEvent* event)
 {
-    if (event->key() == Qt::Key_Escape && mStrokes->IsDrawing())
-        mStrokes->Cancel();
+    if (event->key() == Qt::Key_Escape && mAnnotation->IsBusy())
+        mAnnotation->EndEdits();
     else
         QMainWindow::keyPressEvent(event);
 }
@@ -334,6 +425,10 @@ void PlayerWindow::keyPressEvent(QKeyEvent* event)
 void PlayerWindow::closeEvent(QCloseEvent* event)
 {
     mPlayback->Pause();
+    mAnnotation->EndEdits();
+    mAnnotationBar->WriteState();
+    mBookmarksBar->WriteState();
+    mVolumeBar->WriteState();
     Settings::WriteUserConfig();
     QMainWindow::closeEvent(event);
 }

@@ -77,13 +77,13 @@ std::optional<AllowedDropTypes> ReadAllowedDropTypes(const QByteArray& bytes)
 
 bool HasFiles(const QMimeData* mimeData)
 {
-    return mimeData->hasFormat(QStringLiteral("text/uri-list"));
+    return mimeData && mimeData->hasFormat(QStringLiteral("text/uri-list"));
 }
 
 QList<QString> ReadFiles(const QMimeData* mimeData)
 {
     QStringList paths;
-    const QList<QUrl> urls = mimeData->urls();
+    const QList<QUrl> urls = mimeData ? mimeData->urls() : QList<QUrl>();
     for (const QUrl& url : urls)
     {
         const QString path = url.toLocalFile();
@@ -96,17 +96,17 @@ QList<QString> ReadFiles(const QMimeData* mimeData)
 
 bool HasProjectObjects(const QMimeData* mimeData)
 {
-    return mimeData->hasFormat(UiGlobals::PROJECT_OBJECT_UUID_MIME_TYPE);
+    return mimeData && mimeData->hasFormat(UiGlobals::PROJECT_OBJECT_UUID_MIME_TYPE);
 }
 
 bool HasElements(const QMimeData* mimeData)
 {
-    return mimeData->hasFormat(UiGlobals::TIMELINE_ELEMENT_UUID_MIME_TYPE);
+    return mimeData && mimeData->hasFormat(UiGlobals::TIMELINE_ELEMENT_UUID_MIME_TYPE);
 }
 
 std::optional<AllowedDropTypes> ReadAllowedDropTypes(const QMimeData* mimeData)
 {
-    return ReadAllowedDropTypes(mimeData->data(UiGlobals::ALLOWED_DROP_TYPES));
+    return mimeData ? ReadAllowedDropTypes(mimeData->data(UiGlobals::ALLOWED_DROP_TYPES)) : std::nullopt;
 }
 
 } // namespace DragPayload

@@ -11,7 +11,7 @@
 class QMimeData;
 
 /// The one reader and writer of what the library's drags carry; UiGlobals names the formats. Whatever another
-/// program puts under these names, reading it is safe.
+/// program puts under these names, reading it is safe. Null mime data has nothing.
 namespace DragPayload
 {
 

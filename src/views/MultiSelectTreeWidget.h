@@ -22,6 +22,15 @@ public:
     /// Whether @p item lies below @p parent, at any depth. Null lies nowhere, and nothing lies below it.
     bool IsDescendant(QTreeWidgetItem* item, QTreeWidgetItem* parent) const;
 
+    /// Appends @p rows, which no tree has yet, with all below them, then expands those in @p expanded and
+    /// adds
+    /// @p selected to the selection in that order. Each is one step of the tree, where row by row each one
+    /// would cost a visit to all that are expanded or selected before it.
+    void InsertRows(const QList<QTreeWidgetItem*>& rows, const QSet<QTreeWidgetItem*>& expanded,
+                    const QList<QTreeWidgetItem*>& selected);
+    /// Takes @p rows out of the selection, whose order stays. Nothing is signalled if none is in it.
+    void UnselectRows(const QSet<QTreeWidgetItem*>& rows);
+
 protected:
     /// Without a selection a move does nothing: it selects no row and begins no drag.
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -29,4 +38,5 @@ protected:
 private:
     void AppendSelectedChildren(QTreeWidgetItem* parent, const QSet<QTreeWidgetItem*>& selected,
                                 QList<QTreeWidgetItem*>& ordered) const;
+    void ExpandBelow(const QModelIndex& parent, const QSet<QTreeWidgetItem*>& expanded);
 };
