@@ -9,6 +9,7 @@
 #include "views/TimelineListView.h"
 #include "views/TimelineListViewTreeWidget.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QBoxLayout>
 #include <QtTest>
