@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "window/ElementPanelBinding.h"
 
-#include "host/Settings.h"
 #include "playback/PlaybackController.h"
 #include "project/Project.h"
 #include "project/ProjectImport.h"
@@ -139,8 +138,11 @@ void ElementPanelBinding::OnInsertSourcesRequested(QList<QString> paths, QList<i
     // Where no timeline of elements leads, the files are for the project alone.
     const QUuid timelineID = TimelineID();
     const bool takesElements = mProject->FindElementTimeline(timelineID) != nullptr;
-    Q_EMIT ImportStarted(mProject->Import(paths, takesElements ? timelineID : QUuid(),
-                                          takesElements ? indices : QList<int>()));
+    ProjectImport* const import =
+        mProject->Import(paths, takesElements ? timelineID : QUuid(), takesElements ? indices : QList<int>());
+    connect(import, &ProjectImport::Finished, this,
+            [this](const ProjectImport::Result& result) { Select(result.elements); });
+    Q_EMIT ImportStarted(import);
 }
 
 void ElementPanelBinding::OnInsertElementsRequested(QUuid timelineID, QList<QUuid> ids, QList<int> indices)

@@ -238,6 +238,7 @@ void tst_ElementPanel::FilesAreImportedInTheirOrder()
         names << mBench->project.FindSourceByPath(path)->GetName();
     names << "two";
     QCOMPARE(mBench->Names(), names);
+    QTRY_COMPARE(mBench->SelectedRows(), (QList<int>{1, 2}));
     QCOMPARE(mBench->project.UndoStack()->count(), steps + 1);
     mBench->Undo();
     QCOMPARE(mBench->Names(), (QStringList{"one", "two"}));
