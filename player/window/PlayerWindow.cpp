@@ -265,6 +265,10 @@ void PlayerWindow::CreateConnections()
     connect(mVolumeBar, SIGNAL(LayoutRequested(int)), this, SLOT(SetLayout(int)));
     connect(mCommands, SIGNAL(CommandRun()), this, SLOT(SyncBars()));
     connect(mCommands, SIGNAL(KeysChanged()), this, SLOT(OnKeysChanged()));
+    connect(mScripts, SIGNAL(DrawingsChanged(AnnotationStore*, int, bool)), this,
+            SLOT(OnDrawingsChanged(AnnotationStore*, int, bool)));
+    connect(mScripts, SIGNAL(BookmarksChanged(ProjectTimeline*, int, bool)), this,
+            SLOT(OnBookmarksChanged(ProjectTimeline*, int, bool)));
     connect(mLoader, SIGNAL(FrameFailed(int, int, QString)), this, SLOT(OnFrameFailed(int, int, QString)));
     connect(mTimelines, SIGNAL(GlobalPositionChangeRequested(bool)), this,
             SLOT(OnGlobalPositionChangeRequested(bool)));
@@ -353,6 +357,11 @@ PanelArea* PlayerWindow::Panels() const
 ScriptBinding* PlayerWindow::Scripts() const
 {
     return mScripts;
+}
+
+QUndoStack* PlayerWindow::UndoStack()
+{
+    return &mUndoStack;
 }
 
 QPointF PlayerWindow::Pan() const

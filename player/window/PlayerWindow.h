@@ -65,6 +65,9 @@ public:
     MediaLibrary* Media() const;
     StrokeController* Strokes() const;
     ScriptBinding* Scripts() const;
+    QUndoStack* UndoStack();
+    /// Shows @p timeline, one of the media's, in viewer @p viewer.
+    void ShowTimeline(const std::shared_ptr<ProjectTimeline>& timeline, int viewer);
     /// How the viewers are panned and zoomed, in ViewerWidget::SetPanAndZoom()'s terms.
     QPointF Pan() const;
     float Zoom() const;
