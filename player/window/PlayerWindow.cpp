@@ -12,6 +12,7 @@
 #include "project/MediaLibrary.h"
 #include "project/MediaSource.h"
 #include "project/MediaTimeline.h"
+#include "sound/SoundPlayer.h"
 #include "timelines/TimelineWidget.h"
 #include "toolbars/BookmarksToolbarWidget.h"
 #include "toolbars/PlaybackControlWidget.h"
@@ -22,6 +23,7 @@
 #include "window/BookmarksBarBinding.h"
 #include "window/CommandTable.h"
 #include "window/MessageBar.h"
+#include "window/OutputBinding.h"
 #include "window/PanelArea.h"
 #include "window/PanelTogglesBinding.h"
 #include "window/PlainTooltips.h"
@@ -133,6 +135,14 @@ void PlayerWindow::CreateWidgets()
     mLoader = new FrameLoader(this);
     mPlayback = new PlaybackController(mLoader, this);
     mMedia = new MediaLibrary(mLoader, PictureFormatOf(mViewer), this);
+    mSound = new SoundPlayer(
+        [this]
+        {
+            const std::shared_ptr<ProjectTimeline>& lead = mPlayback->LeadingTimeline();
+            return lead ? AudioSegmentsOf(*lead) : std::vector<AudioSegment>();
+        },
+        this);
+    mSound->Lead(mPlayback);
     mViewer->setObjectName(QStringLiteral("viewer"));
     mViewer->setFocusPolicy(Qt::StrongFocus);
     mViewer->SetViewerLayout(static_cast<ViewerLayout>(Settings::viewerLayout));
@@ -154,9 +164,13 @@ void PlayerWindow::CreateWidgets()
         this);
     mBookmarks = new BookmarkController(mPlayback, &mUndoStack, this);
     mVolume = new VolumeState(this);
+    connect(mVolume, &VolumeState::VolumeChanged, mSound,
+            [this] { mSound->SetVolume(static_cast<float>(mVolume->Volume()) / 100.0f); });
+    connect(mVolume, &VolumeState::MutedChanged, mSound, &SoundPlayer::SetMuted);
     mPlayback->Lanes().SetPictureFormat(PictureFormatOf(mViewer));
     mInput = new ViewerInput(mViewer, mAnnotation, mPlayback, this);
     mTimelines = new TimelineBinding(mPlayback, mLoader, this, this);
+    mOutput = new OutputBinding(mPlayback, mViewer, [this] { return mAnnotationsVisible; }, this);
     mTransport = new PlaybackControlWidget(this);
     mTransport->setObjectName(QStringLiteral("transport"));
     mMessages = new MessageBar(this);
@@ -374,6 +388,11 @@ float PlayerWindow::Zoom() const
     return mZoom;
 }
 
+OutputBinding* PlayerWindow::Output() const
+{
+    return mOutput;
+}
+
 void PlayerWindow::UpdateTitle()
 {
     QStringList names;
@@ -451,6 +470,11 @@ void PlayerWindow::keyPressEvent(QKeyEvent* event)
 
 void PlayerWindow::closeEvent(QCloseEvent* event)
 {
+    if (!mOutput->MayClose())
+    {
+        event->ignore();
+        return;
+    }
     mPlayback->Pause();
     mAnnotation->EndEdits();
     mAnnotationBar->WriteState();

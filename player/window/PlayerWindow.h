@@ -26,6 +26,7 @@ class CommandTable;
 class FrameLoader;
 class MediaLibrary;
 class MessageBar;
+class OutputBinding;
 class PanelArea;
 class PanelTogglesBinding;
 class PlaybackControlWidget;
@@ -35,6 +36,7 @@ class QMenu;
 class ProjectTimeline;
 class QVBoxLayout;
 class ScriptBinding;
+class SoundPlayer;
 class StrokeController;
 class TimelineBinding;
 class ViewerInput;
@@ -80,6 +82,7 @@ public:
     AnnotationController* Annotation() const;
     /// How loud it is to be.
     VolumeState* Volume() const;
+    OutputBinding* Output() const;
     /// The places of the panels round the viewers.
     PanelArea* Panels() const;
 
@@ -150,6 +153,7 @@ private:
     FrameLoader* mLoader = nullptr;
     PlaybackController* mPlayback = nullptr;
     MediaLibrary* mMedia = nullptr;
+    SoundPlayer* mSound = nullptr;
     QUndoStack mUndoStack;
     ViewerWidget* mViewer = nullptr;
     AnnotationController* mAnnotation = nullptr;
@@ -158,6 +162,7 @@ private:
     OverlayPresenter mOverlays;
     ViewerInput* mInput = nullptr;
     TimelineBinding* mTimelines = nullptr;
+    OutputBinding* mOutput = nullptr;
     PlaybackControlWidget* mTransport = nullptr;
     AnnotationBarBinding* mAnnotationBar = nullptr;
     BookmarksBarBinding* mBookmarksBar = nullptr;
