@@ -3,6 +3,7 @@
 #include "host/Settings.h"
 #include "scripting/PythonThread.h"
 #include "window/DarkPalette.h"
+#include "window/EarlyLog.h"
 #include "window/PlayThrough.h"
 #include "window/PlayerWindow.h"
 #include "window/ScriptBinding.h"
@@ -112,6 +113,7 @@ int main(int argc, char** argv)
 {
     KeepPictureMemory();
     StandardLog log;
+    auto earlyLog = std::make_unique<EarlyLog>();
     PrepareApplication();
     AllowNoDisplay(argc, argv);
     QApplication application(argc, argv);

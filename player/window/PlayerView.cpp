@@ -6,6 +6,7 @@
 #include "annotation/AnnotationStore.h"
 #include "annotation/FullPaint.h"
 #include "host/Settings.h"
+#include "media/FrameLoader.h"
 #include "playback/PlaybackController.h"
 #include "project/BookmarkController.h"
 #include "project/MediaLibrary.h"
@@ -15,6 +16,7 @@
 #include "window/CommandTable.h"
 #include "window/MessageBar.h"
 #include "window/PanelTogglesBinding.h"
+#include "window/RecentFiles.h"
 #include "window/TimelineBinding.h"
 #include "window/VolumeBarBinding.h"
 
@@ -213,6 +215,10 @@ void PlayerWindow::SetLayout(int layout)
 
 void PlayerWindow::OnSettingsChanged()
 {
+    mLoader->SetCacheSize(Settings::cacheSize);
+    if (mZoom > Settings::zoomMaximum)
+        SetZoom(mZoom);
+    mRecentFiles->Update();
     ArrangeTimelines();
     OnToolChanged();
     SyncBars();

@@ -22,12 +22,16 @@
 #include "window/AnnotationBarBinding.h"
 #include "window/BookmarksBarBinding.h"
 #include "window/CommandTable.h"
+#include "window/ConsoleBinding.h"
+#include "window/EarlyLog.h"
 #include "window/MessageBar.h"
 #include "window/OutputBinding.h"
 #include "window/PanelArea.h"
 #include "window/PanelTogglesBinding.h"
 #include "window/PlainTooltips.h"
+#include "window/RecentFiles.h"
 #include "window/ScriptBinding.h"
+#include "window/SettingsBinding.h"
 #include "window/TimelineBinding.h"
 #include "window/ViewerInput.h"
 #include "window/VolumeBarBinding.h"
@@ -103,12 +107,18 @@ QLabel* MakeStatusLabel(QWidget* parent, const char* objectName)
 
 PlayerWindow::PlayerWindow(const ViewerBackEndChoice& choice)
 {
+    const EarlyLog earlyLog;
     setObjectName(QStringLiteral("playerWindow"));
     mViewer = choice.MakeViewer(this);
     CreateWidgets();
     CreateActions();
     CreateLayout();
     CreateConnections();
+    for (const EarlyLog::Message& message : EarlyLog::Messages())
+    {
+        if (message.kind == EarlyLog::Kind::Warning || message.kind == EarlyLog::Kind::Error)
+            OnLogged(message.text);
+    }
     mVolumeBar->ReadState();
     mBookmarksBar->ReadState();
     mAnnotationBar->ReadState();
@@ -183,6 +193,8 @@ void PlayerWindow::CreateWidgets()
     mVolumeBar = new VolumeBarBinding(mVolume, mCenter, this);
     mPanelToggles = new PanelTogglesBinding(mPanels, mAnnotationBar, mCenter, this);
     mScripts = new ScriptBinding(this);
+    mConsole = new ConsoleBinding(this, mScripts->Engine());
+    mSettings = new SettingsBinding(this);
 }
 
 void PlayerWindow::CreateActions()
@@ -205,6 +217,21 @@ void PlayerWindow::CreateActions()
     mMediaMenu = menuBar()->addMenu(tr("&Media"));
     mMediaMenu->setObjectName(QStringLiteral("mediaMenu"));
     UpdateMediaMenu();
+    QMenu* const helpMenu = menuBar()->addMenu(tr("&Help"));
+    helpMenu->setObjectName(QStringLiteral("helpMenu"));
+    mCommands->FillMenu(QStringLiteral("help"), helpMenu);
+
+    auto* const fileMenu = menuBar()->findChild<QMenu*>(QStringLiteral("fileMenu"));
+    auto* const recentMenu = new QMenu(tr("Open &Recent"), fileMenu);
+    recentMenu->setObjectName(QStringLiteral("recentFilesMenu"));
+    const QList<QAction*> fileActions = fileMenu->actions();
+    fileMenu->insertMenu(
+        fileActions.value(fileActions.indexOf(mCommands->Action(QStringLiteral("file.openViewerB"))) + 1),
+        recentMenu);
+    mRecentFiles =
+        new RecentFiles(QStringLiteral("recent/files"), &Settings::numRecentFiles, recentMenu, this);
+    mConsole->AddActions(mCommands);
+    mSettings->SetProject(nullptr);
 }
 
 void PlayerWindow::CreateLayout()
@@ -288,6 +315,9 @@ void PlayerWindow::CreateConnections()
             SLOT(OnGlobalPositionChangeRequested(bool)));
     connect(mTimelines, SIGNAL(RangePositionChangeRequested(bool)), this,
             SLOT(OnRangePositionChangeRequested(bool)));
+    connect(mSettings, SIGNAL(Applied()), this, SLOT(OnSettingsChanged()));
+    connect(mSettings, SIGNAL(GhostingChanged()), this, SLOT(OnGhostingChanged()));
+    connect(mRecentFiles, SIGNAL(OpenRequested(QString)), this, SLOT(OnRecentFilePicked(QString)));
     connect(Logger::GetInstance(), SIGNAL(ErrorLogged(QString)), this, SLOT(OnLogged(QString)));
     connect(Logger::GetInstance(), SIGNAL(WarningLogged(QString)), this, SLOT(OnLogged(QString)));
 }
@@ -366,6 +396,16 @@ void PlayerWindow::OnKeysChanged()
 PanelArea* PlayerWindow::Panels() const
 {
     return mPanels;
+}
+
+ConsoleBinding* PlayerWindow::Console() const
+{
+    return mConsole;
+}
+
+SettingsBinding* PlayerWindow::Preferences() const
+{
+    return mSettings;
 }
 
 ScriptBinding* PlayerWindow::Scripts() const
@@ -456,8 +496,7 @@ void PlayerWindow::dropEvent(QDropEvent* event)
     if (paths.isEmpty())
         return;
     event->acceptProposedAction();
-    mMessages->Clear();
-    OpenFiles(paths, mAnnotation->Strokes()->ViewerAt(mapToGlobal(event->pos())));
+    OpenForUser(paths, mAnnotation->Strokes()->ViewerAt(mapToGlobal(event->pos())));
 }
 
 void PlayerWindow::keyPressEvent(QKeyEvent* event)
@@ -477,6 +516,12 @@ void PlayerWindow::closeEvent(QCloseEvent* event)
     }
     mPlayback->Pause();
     mAnnotation->EndEdits();
+    if (!mSettings->MayClose(!mUndoStack.isClean()))
+    {
+        event->ignore();
+        return;
+    }
+    mConsole->Close();
     mAnnotationBar->WriteState();
     mBookmarksBar->WriteState();
     mVolumeBar->WriteState();

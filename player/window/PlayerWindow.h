@@ -23,6 +23,7 @@ class AnnotationStore;
 class BookmarkController;
 class BookmarksBarBinding;
 class CommandTable;
+class ConsoleBinding;
 class FrameLoader;
 class MediaLibrary;
 class MessageBar;
@@ -34,9 +35,11 @@ class PlaybackController;
 class QLabel;
 class QMenu;
 class ProjectTimeline;
+class RecentFiles;
 class QVBoxLayout;
 class ScriptBinding;
 class SoundPlayer;
+class SettingsBinding;
 class StrokeController;
 class TimelineBinding;
 class ViewerInput;
@@ -70,6 +73,9 @@ public:
     QUndoStack* UndoStack();
     /// Shows @p timeline, one of the media's, in viewer @p viewer.
     void ShowTimeline(const std::shared_ptr<ProjectTimeline>& timeline, int viewer);
+    ConsoleBinding* Console() const;
+    /// Preferences, project settings, about box.
+    SettingsBinding* Preferences() const;
     /// How the viewers are panned and zoomed, in ViewerWidget::SetPanAndZoom()'s terms.
     QPointF Pan() const;
     float Zoom() const;
@@ -103,6 +109,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private Q_SLOTS:
+    void OnRecentFilePicked(const QString& path);
     void OnMediaOpened(int index, int viewer);
     void OnMediaFailed(const QString& text);
     void OnFrameFailed(int media, int frame, const QString& text);
@@ -136,6 +143,8 @@ private:
     void AddViewCommands(std::vector<Command>& commands);
 
     void OpenFromDialog(int viewer);
+    /// Opens @p paths as the user asks: in viewer @p viewer, or in a player of their own.
+    void OpenForUser(const QStringList& paths, int viewer);
     void ShowEntry(int index, int viewer);
     void ShowNeighbourEntry(int step);
     void UpdateMediaMenu();
@@ -175,6 +184,9 @@ private:
     CommandTable* mCommands = nullptr;
     MessageBar* mMessages = nullptr;
     ScriptBinding* mScripts = nullptr;
+    ConsoleBinding* mConsole = nullptr;
+    SettingsBinding* mSettings = nullptr;
+    RecentFiles* mRecentFiles = nullptr;
     QMenu* mMediaMenu = nullptr;
     QLabel* mMediaLabel = nullptr;
     QLabel* mToolLabel = nullptr;
