@@ -80,6 +80,7 @@ PYBIND11_MODULE(torvalen, module)
     ScriptModule::AddTimelines(module);
     ScriptModule::AddBookmarks(module);
     ScriptModule::AddAnnotations(module);
+    ScriptModule::AddOutput(module);
     ScriptModule::AddSettings(module);
     ScriptModule::AddLog(module);
 }

@@ -102,6 +102,7 @@ void AddAnnotations(pybind11::module_& module);
 void AddCommands(pybind11::module_& module);
 void AddPlayback(pybind11::module_& module);
 void AddViewers(pybind11::module_& module);
+void AddOutput(pybind11::module_& module);
 void AddSettings(pybind11::module_& module);
 void AddLog(pybind11::module_& module);
 

@@ -38,6 +38,10 @@ private Q_SLOTS:
     void DrawingsComeAndGo();
     void EveryKindIsDrawn();
     void DrawingElsewhereLeavesThePlayhead();
+    void AMovieIsExported();
+    void AFailedExportSaysWhy();
+    void AStoppedExportLeavesNothing();
+    void StillsAreWritten();
     void SettingsAreReadAndChanged();
     void BadArgumentsAreNamed_data();
     void BadArgumentsAreNamed();
@@ -339,6 +343,82 @@ void tst_ScriptModule::DrawingElsewhereLeavesThePlayhead()
     QCOMPARE(Value("torvalen.undo(); torvalen.frame()"), QStringLiteral("40"));
 }
 
+void tst_ScriptModule::AMovieIsExported()
+{
+    OpenSample();
+    QTemporaryDir folder;
+    QCOMPARE(Value(QStringLiteral("torvalen.range(11, 30)\n"
+                                  "torvalen.draw_rectangle((-0.5, -0.3), (0.5, 0.3), color='red', frame=15)\n"
+                                  "torvalen.export('%1/range.mp4', preset='ultrafast')\n"
+                                  "torvalen.export('%1/part.mp4', 5, 9, size=(160, 90), annotations=False, "
+                                  "quality='low', preset='ultrafast', profile='baseline')\n"
+                                  "again = torvalen.open('%1/range.mp4', 'B')\n"
+                                  "part = torvalen.open('%1/part.mp4', None)\n"
+                                  "(again.frames, again.rate, part.frames)")
+                       .arg(folder.path())),
+             QStringLiteral("(20, 24.0, 5)"));
+    // The first frame of the movie is the eleventh of the source.
+    QCOMPARE(
+        Value(QStringLiteral("torvalen.show(again, 'A'); torvalen.layout('single')\n"
+                             "torvalen.active_viewer('A'); torvalen.seek(1); torvalen.wait_until_settled()\n"
+                             "torvalen.snapshot('%1/first.png')")
+                  .arg(folder.path())),
+        QString());
+    const QImage first(folder.filePath("first.png"));
+    QCOMPARE(first.size(), QSize(320, 180));
+    QCOMPARE(NumberedMedia::NumberIn(first), 11);
+}
+
+void tst_ScriptModule::AFailedExportSaysWhy()
+{
+    OpenSample();
+    const QString error = Value("torvalen.export('/nowhere/at/all.mp4')");
+    QVERIFY2(error.contains("RuntimeError: ") && error.contains("/nowhere/at"), qPrintable(error));
+    Settings::ffmpegExePath = QStringLiteral("/bin/false");
+    QTemporaryDir folder;
+    const QString encoder = Value(QStringLiteral("torvalen.export('%1/a.mp4')").arg(folder.path()));
+    QVERIFY2(encoder.contains("RuntimeError: Error: "), qPrintable(encoder));
+    QVERIFY(QDir(folder.path()).isEmpty());
+}
+
+void tst_ScriptModule::AStoppedExportLeavesNothing()
+{
+    OpenSample();
+    QTemporaryDir folder;
+    // The unfinished movie is a hidden file.
+    const auto isEmpty = [&]
+    { return QDir(folder.path()).isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden); };
+    const int number =
+        mEngine->Run(QStringLiteral("torvalen.export('%1/a.mp4', size=(3840, 2160), preset='veryslow')")
+                         .arg(folder.path()));
+    QTRY_VERIFY(!isEmpty());
+    mEngine->Stop();
+    QCOMPARE(ScriptRun::WaitFor(mEngine, number).outcome, ScriptResult::Outcome::Stopped);
+    QTRY_VERIFY(isEmpty());
+}
+
+void tst_ScriptModule::StillsAreWritten()
+{
+    OpenSample();
+    QTemporaryDir folder;
+    QCOMPARE(
+        Value(QStringLiteral("torvalen.draw_rectangle((-0.5, -0.28), (0.5, 0.28), color='red', frame=15, "
+                             "width=0.05)\n"
+                             "torvalen.snapshot('%1/noted.png', 15)\n"
+                             "torvalen.snapshot('%1/bare.png', 15, annotations=False)")
+                  .arg(folder.path())),
+        QString());
+    const QImage bare(folder.filePath("bare.png"));
+    QCOMPARE(NumberedMedia::NumberIn(bare), 15);
+    QVERIFY(QImage(folder.filePath("noted.png")) != bare);
+    const QString there = Value(QStringLiteral("torvalen.snapshot('%1/bare.png', 16)").arg(folder.path()));
+    QVERIFY2(there.contains("RuntimeError: ") && there.contains("bare.png"), qPrintable(there));
+    QCOMPARE(QImage(folder.filePath("bare.png")), bare);
+    QCOMPARE(Value(QStringLiteral("torvalen.snapshot('%1/bare.png', 16, replace=True)").arg(folder.path())),
+             QString());
+    QVERIFY(QImage(folder.filePath("bare.png")) != bare);
+}
+
 void tst_ScriptModule::SettingsAreReadAndChanged()
 {
     QCOMPARE(Value("(torvalen.setting('audioScrub'), torvalen.setting('zoomMaximum'), "
@@ -409,6 +489,14 @@ void tst_ScriptModule::BadArgumentsAreNamed_data()
         "ValueError: \"loud\" is no colour; take a name, \"#RRGGBB\"");
     row("draw_line((0, 0), (1, 1), width=2)", "ValueError: the width 2 lies outside 0.0005 to 1");
     row("draw_text((0, 0), '')", "ValueError: a text that is drawn needs letters");
+    row("export('a.mp4', 0)", "ValueError: there is no frame 0; ");
+    row("export('a.mp4', 9, 5)", "ValueError: the export would end at 5, before it starts at 9");
+    row("export('a.mp4', size=(0, 5))",
+        "ValueError: 0 x 5 can't be exported; sides can have 16 to 8192 pixels");
+    row("export('a.mp4', quality='best')",
+        "ValueError: there is no quality \"best\"; they are \"very high\", \"high\", \"medium\", \"low\"");
+    row("export('a.mp4', preset='now')", "ValueError: there is no preset \"now\"; they are \"veryslow\", ");
+    row("snapshot('a.png', 61)", "ValueError: there is no frame 61; ");
     row("setting('loudness')", "ValueError: there is no setting \"loudness\"");
     row("set_setting('loudness', 1)", "ValueError: there is no setting \"loudness\"");
     row("set_setting('cacheSize', 1)", "ValueError: cacheSize: 1 lies outside 256 to 65536");
