@@ -180,7 +180,8 @@ void PlayerWindow::CreateWidgets()
     mPlayback->Lanes().SetPictureFormat(PictureFormatOf(mViewer));
     mInput = new ViewerInput(mViewer, mAnnotation, mPlayback, this);
     mTimelines = new TimelineBinding(mPlayback, mLoader, this, this);
-    mOutput = new OutputBinding(mPlayback, mViewer, [this] { return mAnnotationsVisible; }, this);
+    mOutput = new OutputBinding(
+        mPlayback, mViewer, [this] { return mAnnotationsVisible; }, this);
     mTransport = new PlaybackControlWidget(this);
     mTransport->setObjectName(QStringLiteral("transport"));
     mMessages = new MessageBar(this);
