@@ -8,6 +8,7 @@
 #include "window/BarCommands.h"
 #include "window/CommandTable.h"
 #include "window/ConsoleBinding.h"
+#include "window/OutputBinding.h"
 #include "window/PanelCommands.h"
 #include "window/ScriptCommands.h"
 #include "window/SettingsBinding.h"
@@ -56,6 +57,7 @@ void PlayerWindow::AddFileCommands(std::vector<Command>& commands)
                         Keys({Qt::CTRL + Qt::SHIFT + Qt::Key_O}),
                         [this] { OpenFromDialog(1); },
                         {}});
+    mOutput->AddCommands(commands);
     AddSettingsCommands(commands, mSettings);
     commands.push_back(
         {"file.quit", tr("|&Quit"), "file", Keys({Qt::CTRL + Qt::Key_Q}), [this] { close(); }, {}});

@@ -12,6 +12,7 @@
 #include "project/MediaLibrary.h"
 #include "project/MediaSource.h"
 #include "project/MediaTimeline.h"
+#include "sound/SoundPlayer.h"
 #include "timelines/TimelineWidget.h"
 #include "toolbars/BookmarksToolbarWidget.h"
 #include "toolbars/PlaybackControlWidget.h"
@@ -24,6 +25,7 @@
 #include "window/ConsoleBinding.h"
 #include "window/EarlyLog.h"
 #include "window/MessageBar.h"
+#include "window/OutputBinding.h"
 #include "window/PanelArea.h"
 #include "window/PanelTogglesBinding.h"
 #include "window/PlainTooltips.h"
@@ -143,6 +145,14 @@ void PlayerWindow::CreateWidgets()
     mLoader = new FrameLoader(this);
     mPlayback = new PlaybackController(mLoader, this);
     mMedia = new MediaLibrary(mLoader, PictureFormatOf(mViewer), this);
+    mSound = new SoundPlayer(
+        [this]
+        {
+            const std::shared_ptr<ProjectTimeline>& lead = mPlayback->LeadingTimeline();
+            return lead ? AudioSegmentsOf(*lead) : std::vector<AudioSegment>();
+        },
+        this);
+    mSound->Lead(mPlayback);
     mViewer->setObjectName(QStringLiteral("viewer"));
     mViewer->setFocusPolicy(Qt::StrongFocus);
     mViewer->SetViewerLayout(static_cast<ViewerLayout>(Settings::viewerLayout));
@@ -164,9 +174,14 @@ void PlayerWindow::CreateWidgets()
         this);
     mBookmarks = new BookmarkController(mPlayback, &mUndoStack, this);
     mVolume = new VolumeState(this);
+    connect(mVolume, &VolumeState::VolumeChanged, mSound,
+            [this] { mSound->SetVolume(static_cast<float>(mVolume->Volume()) / 100.0f); });
+    connect(mVolume, &VolumeState::MutedChanged, mSound, &SoundPlayer::SetMuted);
     mPlayback->Lanes().SetPictureFormat(PictureFormatOf(mViewer));
     mInput = new ViewerInput(mViewer, mAnnotation, mPlayback, this);
     mTimelines = new TimelineBinding(mPlayback, mLoader, this, this);
+    mOutput = new OutputBinding(
+        mPlayback, mViewer, [this] { return mAnnotationsVisible; }, this);
     mTransport = new PlaybackControlWidget(this);
     mTransport->setObjectName(QStringLiteral("transport"));
     mMessages = new MessageBar(this);
@@ -380,6 +395,11 @@ PanelArea* PlayerWindow::Panels() const
     return mPanels;
 }
 
+OutputBinding* PlayerWindow::Output() const
+{
+    return mOutput;
+}
+
 ConsoleBinding* PlayerWindow::Console() const
 {
     return mConsole;
@@ -481,6 +501,11 @@ void PlayerWindow::keyPressEvent(QKeyEvent* event)
 
 void PlayerWindow::closeEvent(QCloseEvent* event)
 {
+    if (!mOutput->MayClose())
+    {
+        event->ignore();
+        return;
+    }
     mPlayback->Pause();
     mAnnotation->EndEdits();
     if (!mSettings->MayClose(!mUndoStack.isClean()))

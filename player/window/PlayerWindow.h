@@ -27,6 +27,7 @@ class ConsoleBinding;
 class FrameLoader;
 class MediaLibrary;
 class MessageBar;
+class OutputBinding;
 class PanelArea;
 class PanelTogglesBinding;
 class PlaybackControlWidget;
@@ -36,6 +37,7 @@ class QMenu;
 class ProjectTimeline;
 class RecentFiles;
 class QVBoxLayout;
+class SoundPlayer;
 class ScriptBinding;
 class SettingsBinding;
 class StrokeController;
@@ -81,6 +83,7 @@ public:
     AnnotationController* Annotation() const;
     /// How loud it is to be.
     VolumeState* Volume() const;
+    OutputBinding* Output() const;
     /// The places of the panels round the viewers.
     PanelArea* Panels() const;
 
@@ -156,6 +159,7 @@ private:
     FrameLoader* mLoader = nullptr;
     PlaybackController* mPlayback = nullptr;
     MediaLibrary* mMedia = nullptr;
+    SoundPlayer* mSound = nullptr;
     QUndoStack mUndoStack;
     ViewerWidget* mViewer = nullptr;
     AnnotationController* mAnnotation = nullptr;
@@ -164,6 +168,7 @@ private:
     OverlayPresenter mOverlays;
     ViewerInput* mInput = nullptr;
     TimelineBinding* mTimelines = nullptr;
+    OutputBinding* mOutput = nullptr;
     PlaybackControlWidget* mTransport = nullptr;
     AnnotationBarBinding* mAnnotationBar = nullptr;
     BookmarksBarBinding* mBookmarksBar = nullptr;

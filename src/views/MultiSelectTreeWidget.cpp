@@ -9,6 +9,23 @@
 namespace
 {
 
+/// Lets a tree paint itself whole when it is done. To paint no more than a change of the selection needs, it
+/// would look for the place of every range.
+class WithoutPainting
+{
+public:
+    explicit WithoutPainting(QWidget* widget) : mWidget(widget), mWasEnabled(widget->updatesEnabled())
+    {
+        mWidget->setUpdatesEnabled(false);
+    }
+    ~WithoutPainting() { mWidget->setUpdatesEnabled(mWasEnabled); }
+    Q_DISABLE_COPY(WithoutPainting)
+
+private:
+    QWidget* mWidget;
+    bool mWasEnabled;
+};
+
 /// Appends whole rows from @p top to @p bottom below @p parent, to the last range where they go on from it.
 void AppendRows(QItemSelection& selection, const QAbstractItemModel* model, const QModelIndex& parent,
                 int top, int bottom)
@@ -72,10 +89,12 @@ bool MultiSelectTreeWidget::IsDescendant(QTreeWidgetItem* item, QTreeWidgetItem*
     return item->parent() == parent || IsDescendant(item->parent(), parent);
 }
 
-void MultiSelectTreeWidget::InsertRows(const QList<QTreeWidgetItem*>& rows,
-                                       const QSet<QTreeWidgetItem*>& expanded,
-                                       const QList<QTreeWidgetItem*>& selected)
+void MultiSelectTreeWidget::ReplaceRows(const QList<QTreeWidgetItem*>& rows,
+                                        const QSet<QTreeWidgetItem*>& expanded,
+                                        const QList<QTreeWidgetItem*>& selected)
 {
+    const WithoutPainting withoutPainting(this);
+    clear();
     addTopLevelItems(rows);
     if (!expanded.isEmpty())
         ExpandBelow(QModelIndex(), expanded);
@@ -121,6 +140,7 @@ void MultiSelectTreeWidget::UnselectRows(const QSet<QTreeWidgetItem*>& rows)
     if (!isChanged)
         return;
     // Taking the rows out of each range would compare all ranges with each other.
+    const WithoutPainting withoutPainting(this);
     selectionModel()->clearSelection();
     selectionModel()->select(kept, QItemSelectionModel::Select);
 }

@@ -26,8 +26,8 @@ public:
     /// adds
     /// @p selected to the selection in that order. Each is one step of the tree, where row by row each one
     /// would cost a visit to all that are expanded or selected before it.
-    void InsertRows(const QList<QTreeWidgetItem*>& rows, const QSet<QTreeWidgetItem*>& expanded,
-                    const QList<QTreeWidgetItem*>& selected);
+    void ReplaceRows(const QList<QTreeWidgetItem*>& rows, const QSet<QTreeWidgetItem*>& expanded,
+                     const QList<QTreeWidgetItem*>& selected);
     /// Takes @p rows out of the selection, whose order stays. Nothing is signalled if none is in it.
     void UnselectRows(const QSet<QTreeWidgetItem*>& rows);
 

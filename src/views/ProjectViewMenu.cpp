@@ -38,7 +38,9 @@ void ProjectView::ShowContextMenu(QPoint pos)
     {
         FillMenuOfSeveral(menu, selected);
     }
-    menu.exec(mapToGlobal(pos));
+    // A folder that is protected and special has nothing to offer.
+    if (!menu.isEmpty())
+        menu.exec(mapToGlobal(pos));
 }
 
 void ProjectView::FillMenuOfSeveral(QMenu& menu, const QList<QTreeWidgetItem*>& items) const

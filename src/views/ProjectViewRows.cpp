@@ -37,15 +37,12 @@ void ProjectView::SetRoot(std::weak_ptr<ProjectObject> object)
 void ProjectView::Update()
 {
     const QSignalBlocker blocker(mTreeWidget);
-    mTreeWidget->clear();
-    if (!mRoot)
-        return;
     NewRows rows;
     Branch branch;
-    const auto children = mRoot->GetChildren();
+    const auto children = mRoot ? mRoot->GetChildren() : QList<std::shared_ptr<ProjectObject>>();
     for (const auto& child : children)
         Gather(child, branch, rows);
-    mTreeWidget->InsertRows(rows.topLevel, rows.expanded, rows.selected);
+    mTreeWidget->ReplaceRows(rows.topLevel, rows.expanded, rows.selected);
 }
 
 std::unique_ptr<QTreeWidgetItem> ProjectView::MakeRow(const std::shared_ptr<ProjectObject>& object) const
@@ -251,7 +248,7 @@ bool ProjectView::RecursiveRemove(const QUuid& id, QTreeWidgetItem* parent)
 
 void ProjectView::RemoveAll()
 {
-    mTreeWidget->clear();
+    mTreeWidget->ReplaceRows({}, {}, {});
 }
 
 void ProjectView::RefreshName(QUuid id)

@@ -55,7 +55,6 @@ QUuid NumberedID(int number)
 
 CallLog::CallLog(QObject* object)
 {
-    qRegisterMetaType<QTreeWidgetItem*>("QTreeWidgetItem*");
     const QMetaObject* const meta = object->metaObject();
     const QMetaMethod note = staticMetaObject.method(staticMetaObject.indexOfMethod("Note()"));
     for (int index = meta->methodOffset(); index < meta->methodCount(); ++index)

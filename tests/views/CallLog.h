@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "views/TreeItemMetaType.h"
+
 #include <QObject>
 #include <QSignalSpy>
 #include <QStringList>

@@ -4,6 +4,7 @@
 #include "host/Source.h"
 #include "host/Timeline.h"
 #include "views/CallLog.h"
+#include "views/TreeItemMetaType.h"
 
 #include <memory>
 

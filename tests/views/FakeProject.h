@@ -3,6 +3,7 @@
 
 #include "host/Source.h"
 #include "host/Timeline.h"
+#include "views/TreeItemMetaType.h"
 
 #include <QList>
 #include <QMetaType>
@@ -13,11 +14,6 @@
 #include <memory>
 
 class QTreeWidget;
-
-Q_DECLARE_METATYPE(QTreeWidgetItem*)
-
-/// For the spies of the trees' signals.
-inline const int TreeWidgetItemMetaType = qRegisterMetaType<QTreeWidgetItem*>();
 
 /// What a fake object answers; tests set it.
 struct FakeAnswers
