@@ -122,6 +122,10 @@ PlayerWindow::PlayerWindow(const ViewerBackEndChoice& choice)
 
 PlayerWindow::~PlayerWindow()
 {
+    // While all is there that hears of it: a text ends as the viewer loses the focus, and drawing with the
+    // tools.
+    mAnnotation->EndEdits();
+    hide();
     // The viewers hold plain pointers to the annotations of timelines that go before them.
     ShowPicture(mViewer, -1, QImage());
 }
@@ -261,6 +265,11 @@ void PlayerWindow::CreateConnections()
     connect(mAnnotationBar, SIGNAL(ClearFrameRequested(bool)), this, SLOT(ClearFrame(bool)));
     connect(mVolumeBar, SIGNAL(LayoutRequested(int)), this, SLOT(SetLayout(int)));
     connect(mCommands, SIGNAL(CommandRun()), this, SLOT(SyncBars()));
+    connect(mAnnotationBar, SIGNAL(ToolChanged()), mCommands, SLOT(UpdateSwitches()));
+    connect(mAnnotationBar, SIGNAL(GhostingChanged()), mCommands, SLOT(UpdateSwitches()));
+    connect(mVolumeBar, SIGNAL(LoopChanged()), mCommands, SLOT(UpdateSwitches()));
+    connect(mVolume, SIGNAL(MutedChanged(bool)), mCommands, SLOT(UpdateSwitches()));
+    connect(mPanels, SIGNAL(VisibilityChanged(QString, bool)), mCommands, SLOT(UpdateSwitches()));
     connect(mCommands, SIGNAL(KeysChanged()), this, SLOT(OnKeysChanged()));
     connect(mLoader, SIGNAL(FrameFailed(int, int, QString)), this, SLOT(OnFrameFailed(int, int, QString)));
     connect(mTimelines, SIGNAL(GlobalPositionChangeRequested(bool)), this,
