@@ -54,6 +54,17 @@ int MediaLanes::Find(const std::shared_ptr<const MediaSource>& source, int copy)
     return found == mLanes.end() ? -1 : found->media;
 }
 
+std::map<std::pair<const MediaSource*, int>, int> MediaLanes::Open() const
+{
+    std::map<std::pair<const MediaSource*, int>, int> open;
+    for (const Lane& lane : mLanes)
+    {
+        if (const std::shared_ptr<const MediaSource> source = lane.source.lock())
+            open[{source.get(), lane.copy}] = lane.media;
+    }
+    return open;
+}
+
 bool MediaLanes::SetFailed(int media)
 {
     for (Lane& lane : mLanes)

@@ -3,8 +3,10 @@
 
 #include <QImage>
 
+#include <map>
 #include <memory>
 #include <set>
+#include <utility>
 #include <vector>
 
 class FrameLoader;
@@ -32,6 +34,8 @@ public:
     int Use(const std::shared_ptr<const MediaSource>& source, int copy);
     /// The same without opening; -1 if it is not open.
     int Find(const std::shared_ptr<const MediaSource>& source, int copy) const;
+    /// Everything that is open: the loader's numbers by source and copy.
+    std::map<std::pair<const MediaSource*, int>, int> Open() const;
     /// Tells that medium @p media can't be opened. Returns whether it is one of these; it stays known so that
     /// nobody tries again.
     bool SetFailed(int media);

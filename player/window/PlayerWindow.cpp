@@ -12,6 +12,7 @@
 #include "project/MediaLibrary.h"
 #include "project/MediaSource.h"
 #include "project/MediaTimeline.h"
+#include "sound/SoundPlayer.h"
 #include "timelines/TimelineWidget.h"
 #include "toolbars/BookmarksToolbarWidget.h"
 #include "toolbars/PlaybackControlWidget.h"
@@ -135,6 +136,14 @@ void PlayerWindow::CreateWidgets()
     mLoader = new FrameLoader(this);
     mPlayback = new PlaybackController(mLoader, this);
     mMedia = new MediaLibrary(mLoader, PictureFormatOf(mViewer), this);
+    mSound = new SoundPlayer(
+        [this]
+        {
+            const std::shared_ptr<ProjectTimeline>& lead = mPlayback->LeadingTimeline();
+            return lead ? AudioSegmentsOf(*lead) : std::vector<AudioSegment>();
+        },
+        this);
+    mSound->Lead(mPlayback);
     mViewer->setObjectName(QStringLiteral("viewer"));
     mViewer->setFocusPolicy(Qt::StrongFocus);
     mViewer->SetViewerLayout(static_cast<ViewerLayout>(Settings::viewerLayout));
@@ -156,6 +165,9 @@ void PlayerWindow::CreateWidgets()
         this);
     mBookmarks = new BookmarkController(mPlayback, &mUndoStack, this);
     mVolume = new VolumeState(this);
+    connect(mVolume, &VolumeState::VolumeChanged, mSound,
+            [this] { mSound->SetVolume(static_cast<float>(mVolume->Volume()) / 100.0f); });
+    connect(mVolume, &VolumeState::MutedChanged, mSound, &SoundPlayer::SetMuted);
     mPlayback->Lanes().SetPictureFormat(PictureFormatOf(mViewer));
     mInput = new ViewerInput(mViewer, mAnnotation, mPlayback, this);
     mTimelines = new TimelineBinding(mPlayback, mLoader, this, this);

@@ -34,6 +34,7 @@ class QLabel;
 class QMenu;
 class ProjectTimeline;
 class QVBoxLayout;
+class SoundPlayer;
 class StrokeController;
 class TimelineBinding;
 class ViewerInput;
@@ -137,6 +138,7 @@ private:
     FrameLoader* mLoader = nullptr;
     PlaybackController* mPlayback = nullptr;
     MediaLibrary* mMedia = nullptr;
+    SoundPlayer* mSound = nullptr;
     QUndoStack mUndoStack;
     ViewerWidget* mViewer = nullptr;
     AnnotationController* mAnnotation = nullptr;

@@ -4,6 +4,7 @@
 #include "annotation/AnnotationController.h"
 #include "host/Settings.h"
 #include "playback/PlaybackController.h"
+#include "project/ProjectTimeline.h"
 #include "viewers/ViewerWidget.h"
 
 #include <QApplication>
@@ -113,6 +114,8 @@ void ViewerInput::Scrub(const QPoint& globalPos)
     const double length = range.last - range.first + 1;
     const double framesPerPixel = std::max(1.0 / PixelsPerFrame, length / std::max(mViewer->width(), 1));
     const int frame = range.Clamp(mPressFrame + static_cast<int64_t>(distance * framesPerPixel));
-    if (frame != mPlayback->CurrentFrame())
-        mPlayback->SeekFrame(frame);
+    const auto& lead = mPlayback->LeadingTimeline();
+    if (lead && frame != mPlayback->CurrentFrame())
+        mPlayback->SeekTime(lead->FrameToTime(frame) + Settings::ROUNDING_ERROR_EXTRA_TIME,
+                            Settings::audioScrub);
 }
