@@ -600,7 +600,7 @@ void PlaybackController::StartClock()
     mStartLoopType = Settings::loopType;
     mLastStep = 0;
     mClock->Start(
-        PlaybackStart{LeadingTimeline()->Info().frameRate, mStart, mRange, mStartLoopType, mSpeed, mStepped});
+        PlaybackStart{LeadingTimeline()->Rate(), mStart, mRange, mStartLoopType, mSpeed, mStepped});
     ScheduleTick();
 }
 
