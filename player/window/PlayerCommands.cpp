@@ -7,6 +7,7 @@
 #include "viewers/ViewerWidget.h"
 #include "window/BarCommands.h"
 #include "window/CommandTable.h"
+#include "window/OutputBinding.h"
 #include "window/PanelCommands.h"
 
 #include <algorithm>
@@ -50,6 +51,7 @@ void PlayerWindow::AddFileCommands(std::vector<Command>& commands)
                         Keys({Qt::CTRL + Qt::SHIFT + Qt::Key_O}),
                         [this] { OpenFromDialog(1); },
                         {}});
+    mOutput->AddCommands(commands);
     commands.push_back(
         {"file.quit", tr("|&Quit"), "file", Keys({Qt::CTRL + Qt::Key_Q}), [this] { close(); }, {}});
     commands.push_back({"media.next",

@@ -23,6 +23,7 @@
 #include "window/BookmarksBarBinding.h"
 #include "window/CommandTable.h"
 #include "window/MessageBar.h"
+#include "window/OutputBinding.h"
 #include "window/PanelArea.h"
 #include "window/PanelTogglesBinding.h"
 #include "window/PlainTooltips.h"
@@ -171,6 +172,7 @@ void PlayerWindow::CreateWidgets()
     mPlayback->Lanes().SetPictureFormat(PictureFormatOf(mViewer));
     mInput = new ViewerInput(mViewer, mAnnotation, mPlayback, this);
     mTimelines = new TimelineBinding(mPlayback, mLoader, this, this);
+    mOutput = new OutputBinding(mPlayback, mViewer, [this] { return mAnnotationsVisible; }, this);
     mTransport = new PlaybackControlWidget(this);
     mTransport->setObjectName(QStringLiteral("transport"));
     mMessages = new MessageBar(this);
@@ -368,6 +370,11 @@ PanelArea* PlayerWindow::Panels() const
     return mPanels;
 }
 
+OutputBinding* PlayerWindow::Output() const
+{
+    return mOutput;
+}
+
 void PlayerWindow::UpdateTitle()
 {
     QStringList names;
@@ -445,6 +452,11 @@ void PlayerWindow::keyPressEvent(QKeyEvent* event)
 
 void PlayerWindow::closeEvent(QCloseEvent* event)
 {
+    if (!mOutput->MayClose())
+    {
+        event->ignore();
+        return;
+    }
     mPlayback->Pause();
     mAnnotation->EndEdits();
     mAnnotationBar->WriteState();

@@ -26,6 +26,7 @@ class CommandTable;
 class FrameLoader;
 class MediaLibrary;
 class MessageBar;
+class OutputBinding;
 class PanelArea;
 class PanelTogglesBinding;
 class PlaybackControlWidget;
@@ -67,6 +68,7 @@ public:
     AnnotationController* Annotation() const;
     /// How loud it is to be.
     VolumeState* Volume() const;
+    OutputBinding* Output() const;
     /// The places of the panels round the viewers.
     PanelArea* Panels() const;
 
@@ -147,6 +149,7 @@ private:
     OverlayPresenter mOverlays;
     ViewerInput* mInput = nullptr;
     TimelineBinding* mTimelines = nullptr;
+    OutputBinding* mOutput = nullptr;
     PlaybackControlWidget* mTransport = nullptr;
     AnnotationBarBinding* mAnnotationBar = nullptr;
     BookmarksBarBinding* mBookmarksBar = nullptr;
