@@ -26,7 +26,6 @@
 #include "window/OutputBinding.h"
 #include "window/PanelArea.h"
 #include "window/PanelTogglesBinding.h"
-#include "window/PlainTooltips.h"
 #include "window/TimelineBinding.h"
 #include "window/ViewerInput.h"
 #include "window/VolumeBarBinding.h"
@@ -176,7 +175,6 @@ void PlayerWindow::CreateWidgets()
     mTransport = new PlaybackControlWidget(this);
     mTransport->setObjectName(QStringLiteral("transport"));
     mMessages = new MessageBar(this);
-    new PlainTooltips(this);
     mCenter = new QWidget(this);
     mViewerRow = new QWidget(mCenter);
     mPanels = new PanelArea(mCenter, this);
