@@ -54,6 +54,22 @@ QList<DrawData> AnnotationStore::Drawings(int frame) const
     return data ? data->drawData : QList<DrawData>();
 }
 
+std::map<int, QList<DrawData>> AnnotationStore::MoveFrames(const std::function<int(int frame)>& target)
+{
+    std::map<int, QList<DrawData>> removed;
+    std::map<int, std::unique_ptr<FrameData>> moved;
+    for (auto& [frame, data] : mFrames)
+    {
+        const int place = target(frame);
+        if (place > 0)
+            moved[place] = std::move(data);
+        else if (!data->drawData.isEmpty())
+            removed[frame] = data->drawData;
+    }
+    mFrames = std::move(moved);
+    return removed;
+}
+
 QList<const FrameData*> AnnotationStore::Before(int frame, int count) const
 {
     return NearestAnnotated(std::make_reverse_iterator(mFrames.lower_bound(frame)), mFrames.rend(), count);

@@ -6,6 +6,7 @@
 #include <QList>
 #include <QVector>
 
+#include <functional>
 #include <map>
 #include <memory>
 
@@ -22,6 +23,10 @@ public:
     void SetDrawings(int frame, const QList<DrawData>& drawings);
     /// The drawings of @p frame.
     QList<DrawData> Drawings(int frame) const;
+
+    /// Moves the annotations of each frame to the frame that @p target answers for it, which keep their
+    /// address; those for which it answers 0 are taken out and returned by their frame.
+    std::map<int, QList<DrawData>> MoveFrames(const std::function<int(int frame)>& target);
 
     /// Up to @p count annotated frames before @p frame, the furthest first.
     QList<const FrameData*> Before(int frame, int count) const;

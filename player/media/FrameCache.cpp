@@ -97,6 +97,14 @@ void FrameCache::SetPlayhead(int media, const Playhead& playhead)
     mMedia[media].playhead = playhead;
 }
 
+void FrameCache::ClearPlayhead(int media)
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    const auto medium = mMedia.find(media);
+    if (medium != mMedia.end())
+        medium->second.playhead.reset();
+}
+
 void FrameCache::Remove(int media)
 {
     // Pictures are freed after the lock is.

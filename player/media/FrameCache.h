@@ -50,6 +50,8 @@ public:
     std::map<int, int> Ranges(int media) const;
 
     void SetPlayhead(int media, const Playhead& playhead);
+    /// Tells that @p media is played no more; its frames go first.
+    void ClearPlayhead(int media);
     /// Drops the frames and the playhead of @p media.
     void Remove(int media);
 

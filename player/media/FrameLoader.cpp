@@ -113,8 +113,27 @@ void FrameLoader::Announce(int mediaID, int frame, const ReadResult& result)
 
 void FrameLoader::ShareCache()
 {
+    const int active = ActiveMedia();
     for (const auto& [id, medium] : mMedia)
-        medium.lane->SetShare(int(mMedia.size()));
+        medium.lane->SetShare(active);
+}
+
+int FrameLoader::ActiveMedia() const
+{
+    return int(std::count_if(mMedia.begin(), mMedia.end(),
+                             [](const auto& entry) { return !entry.second.isResting; }));
+}
+
+void FrameLoader::ShareCacheAmong(const std::set<int>& media)
+{
+    for (auto& [id, medium] : mMedia)
+    {
+        const bool rests = media.count(id) == 0;
+        if (rests && !medium.isResting)
+            medium.lane->Rest();
+        medium.isResting = rests;
+    }
+    ShareCache();
 }
 
 void FrameLoader::OnOpened(const LoaderLane* lane, const MediaInfo& info)

@@ -57,6 +57,9 @@ public:
     void Open(int mediaID, const QString& path, const MediaOptions& options = MediaOptions());
     /// Forgets medium @p mediaID and its frames; nothing more is heard of it. Unknown numbers are ignored.
     void Close(int mediaID);
+    /// Tells that @p media alone are shown now: they share the cache's room, the others rest and keep their
+    /// frames as long as nobody needs the room. Unknown numbers are ignored.
+    void ShareCacheAmong(const std::set<int>& media);
     /// What is known of medium @p mediaID; null before MediaOpened(). Valid until it is closed.
     const MediaInfo* Info(int mediaID) const;
 
@@ -98,6 +101,8 @@ private:
         /// The request, counted, that was answered last.
         int answered = 0;
         bool cacheChangePending = false;
+        /// Not among those that are shown.
+        bool isResting = false;
     };
 
     // Reached from the lanes' threads through the event loop; @p lane tells a medium from one of the same
@@ -111,6 +116,8 @@ private:
     Medium* MediumOf(const LoaderLane* lane);
     void Announce(int mediaID, int frame, const ReadResult& result);
     void ShareCache();
+    /// How many media share the cache's room.
+    int ActiveMedia() const;
 
     FrameCache mCache;
     int mWorkers;

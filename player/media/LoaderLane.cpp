@@ -307,6 +307,17 @@ void LoaderLane::Reconsider()
     mWork.notify_all();
 }
 
+void LoaderLane::Rest()
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mRequest.reset();
+    mGroup.clear();
+    mGraceFrame = 0;
+    mToken.Cancel();
+    mToken = CancelToken();
+    mCache->ClearPlayhead(mID);
+}
+
 void LoaderLane::SetShare(int media)
 {
     const std::lock_guard<std::mutex> lock(mMutex);

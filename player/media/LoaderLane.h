@@ -36,6 +36,8 @@ public:
     bool IsWanted(int frame) const;
     /// Looks anew at what there is to do, since the cache's bound changed.
     void Reconsider();
+    /// Ends all work until the next request; what is kept goes first when the cache needs room.
+    void Rest();
     /// Between how many media the cache is shared.
     void SetShare(int media);
     /// The loader told of changes in the cache, and wants to hear of the next one.

@@ -3,7 +3,8 @@
 
 #include "host/Settings.h"
 #include "media/FrameLoader.h"
-#include "project/MediaTimeline.h"
+#include "project/MediaSource.h"
+#include "project/ProjectTimeline.h"
 
 #include <algorithm>
 #include <cmath>
@@ -18,30 +19,120 @@ constexpr double MicrosecondsPerMillisecond = 1000.0;
 constexpr int64_t ToleratedLag = 250000;
 /// Over how long the rate of shown frames is measured, in milliseconds.
 constexpr int RateInterval = 500;
+/// How long before its end the next segment's first frames are asked for, and how much of it, in seconds.
+constexpr double PreparedSeconds = 1.5;
+/// Copies of a source that one viewer uses.
+constexpr int CopiesOfViewer = 2;
 
 } // namespace
 
 PlaybackController::PlaybackController(FrameLoader* loader, QObject* parent)
-    : QObject(parent), mLoader(loader)
+    : QObject(parent), mLoader(loader), mLanes(loader)
 {
     mTimer.setTimerType(Qt::PreciseTimer);
     mTimer.setSingleShot(true);
     connect(&mTimer, SIGNAL(timeout()), this, SLOT(OnTick()));
     connect(loader, SIGNAL(FrameReady(int, int, const ReadResult&)), this,
             SLOT(OnFrameReady(int, int, const ReadResult&)));
+    connect(loader, SIGNAL(OpenFailed(int, const QString&)), this, SLOT(OnOpenFailed(int, const QString&)));
 }
 
-void PlaybackController::SetTimeline(int viewer, std::shared_ptr<MediaTimeline> timeline, int media)
+MediaLanes& PlaybackController::Lanes()
+{
+    return mLanes;
+}
+
+void PlaybackController::SetTimeline(int viewer, std::shared_ptr<ProjectTimeline> timeline)
 {
     Pause();
-    const std::shared_ptr<MediaTimeline> leader = LeadingTimeline();
-    mViewers[viewer] = Viewer{std::move(timeline), media, 0, 0};
+    const std::shared_ptr<ProjectTimeline> leader = LeadingTimeline();
+    mViewers[viewer] = Viewer{std::move(timeline), {}, 0, 0};
+    AssignCopies();
     if (leader != LeadingTimeline())
     {
         mCurrentFrame = 1;
         FollowLeader();
     }
     MovePlayhead(mCurrentFrame, 1);
+}
+
+void PlaybackController::RefreshTimeline(const ProjectTimeline* timeline)
+{
+    const auto isShown = [&](const Viewer& viewer) { return viewer.timeline.get() == timeline; };
+    if (timeline == nullptr || std::none_of(mViewers.begin(), mViewers.end(), isShown))
+        return;
+    AssignCopies();
+    for (Viewer& viewer : mViewers)
+    {
+        // The same frame may show another picture now.
+        if (isShown(viewer))
+            viewer.shown = 0;
+    }
+    const bool wasPlaying = mPlaying;
+    if (isShown(mViewers[LeadingViewer()]))
+        FollowLeader();
+    const int last = std::max(LeadingTimeline()->FrameCount(), 1);
+    MovePlayhead(std::min(mCurrentFrame, last), mPosition.direction);
+    if (wasPlaying)
+        StartClock();
+}
+
+void PlaybackController::AssignCopies()
+{
+    const bool isCompared =
+        mViewers[0].timeline && mViewers[1].timeline && mViewers[0].timeline != mViewers[1].timeline;
+    std::set<const MediaSource*> ofFirst;
+    for (int index = 0; index < ViewerCount; ++index)
+    {
+        Viewer& viewer = mViewers[index];
+        viewer.copies.clear();
+        if (!viewer.timeline)
+            continue;
+        const MediaSource* before = nullptr;
+        int copy = 0;
+        for (const TimelineSegment& segment : viewer.timeline->Segments())
+        {
+            const MediaSource* const source = segment.source.get();
+            copy = source == before ? 1 - copy : 0;
+            before = source;
+            const bool isShared = isCompared && index == 1 && ofFirst.count(source) > 0;
+            viewer.copies.push_back(isShared ? copy + CopiesOfViewer : copy);
+            if (index == 0)
+                ofFirst.insert(source);
+        }
+    }
+}
+
+std::map<int, int> PlaybackController::CachedRanges() const
+{
+    std::map<int, int> ranges;
+    const Viewer& lead = mViewers[LeadingViewer()];
+    if (!lead.timeline)
+        return ranges;
+    const std::vector<TimelineSegment>& segments = lead.timeline->Segments();
+    const auto open = mLanes.Open();
+    for (size_t index = 0; index < segments.size(); ++index)
+    {
+        const TimelineSegment& segment = segments[index];
+        const auto media = open.find({segment.source.get(), lead.copies[index]});
+        if (media == open.end())
+            continue;
+        for (const auto& [first, last] : mLoader->CachedRanges(media->second))
+        {
+            if (last < segment.mediaFirst || first > segment.mediaLast)
+                continue;
+            const int start = first <= segment.mediaFirst ? segment.first : segment.FrameOf(first);
+            const int end = last >= segment.mediaLast ? segment.Last() : segment.FrameOf(last + 1) - 1;
+            if (end < start)
+                continue;
+            const bool goesOn = !ranges.empty() && ranges.rbegin()->second == start - 1;
+            if (goesOn)
+                ranges.rbegin()->second = end;
+            else
+                ranges[start] = end;
+        }
+    }
+    return ranges;
 }
 
 void PlaybackController::FollowLeader()
@@ -53,7 +144,7 @@ void PlaybackController::FollowLeader()
                         lead ? lead->FrameToTime(mRange.last) : 0);
 }
 
-const std::shared_ptr<MediaTimeline>& PlaybackController::TimelineOf(int viewer) const
+const std::shared_ptr<ProjectTimeline>& PlaybackController::TimelineOf(int viewer) const
 {
     return mViewers[viewer].timeline;
 }
@@ -63,14 +154,9 @@ int PlaybackController::LeadingViewer() const
     return mViewers[mActiveViewer].timeline ? mActiveViewer : 1 - mActiveViewer;
 }
 
-const std::shared_ptr<MediaTimeline>& PlaybackController::LeadingTimeline() const
+const std::shared_ptr<ProjectTimeline>& PlaybackController::LeadingTimeline() const
 {
     return mViewers[LeadingViewer()].timeline;
-}
-
-int PlaybackController::LeadingMedia() const
-{
-    return mViewers[LeadingViewer()].media;
 }
 
 void PlaybackController::SetActiveViewer(int viewer)
@@ -78,7 +164,7 @@ void PlaybackController::SetActiveViewer(int viewer)
     if (viewer == mActiveViewer)
         return;
     const int64_t time = CurrentTime() + Settings::ROUNDING_ERROR_EXTRA_TIME;
-    const std::shared_ptr<MediaTimeline> leader = LeadingTimeline();
+    const std::shared_ptr<ProjectTimeline> leader = LeadingTimeline();
     mActiveViewer = viewer;
     if (leader == LeadingTimeline())
         return;
@@ -247,7 +333,7 @@ void PlaybackController::Step(int frames)
     Pause();
     if (const auto& lead = LeadingTimeline())
     {
-        const int64_t last = lead->Info().frameCount;
+        const int64_t last = std::max(lead->FrameCount(), 1);
         const int64_t target = std::min(std::max<int64_t>(int64_t(mCurrentFrame) + frames, 1), last);
         MovePlayhead(static_cast<int>(target), frames < 0 ? -1 : 1);
     }
@@ -279,7 +365,7 @@ void PlaybackController::SeekFrame(int frame)
         return;
     if (mPlaying && !Settings::continuePlayingAfterSeek)
         Pause();
-    const int target = std::min(std::max(frame, 1), lead->Info().frameCount);
+    const int target = std::min(std::max(frame, 1), std::max(lead->FrameCount(), 1));
     const int direction = mPlaying ? mPosition.direction : target < mCurrentFrame ? -1 : 1;
     MovePlayhead(target, direction);
     if (mPlaying)
@@ -352,28 +438,132 @@ void PlaybackController::MovePlayhead(int frame, int direction)
     ReportState();
 }
 
-void PlaybackController::RequestFrames(int direction)
+PlaybackRange PlaybackController::RangeOf(const Viewer& viewer) const
 {
     const auto& lead = LeadingTimeline();
+    const auto ownFrame = [&](int leadingFrame)
+    {
+        return viewer.timeline->TimeToFrame(lead->FrameToTime(leadingFrame) +
+                                            Settings::ROUNDING_ERROR_EXTRA_TIME);
+    };
+    return PlaybackRange{ownFrame(mRange.first), ownFrame(mRange.last)};
+}
+
+void PlaybackController::RequestFrames(int direction)
+{
+    std::set<int> inUse;
+    for (const Viewer& viewer : mViewers)
+    {
+        if (viewer.timeline)
+            AddMediaInUse(viewer, direction, &inUse);
+    }
+    if (inUse != mMediaInUse)
+    {
+        mMediaInUse = inUse;
+        mLanes.KeepInUse(inUse);
+    }
     for (int index = 0; index < ViewerCount; ++index)
     {
-        const Viewer& viewer = mViewers[index];
-        if (!viewer.timeline)
-            continue;
-        const auto ownFrame = [&](int leadingFrame)
-        {
-            return viewer.timeline->TimeToFrame(lead->FrameToTime(leadingFrame) +
-                                                Settings::ROUNDING_ERROR_EXTRA_TIME);
-        };
-        FrameRequest request;
-        request.frame = viewer.wanted;
-        request.direction = direction;
-        request.isPlaying = mPlaying;
-        request.first = ownFrame(mRange.first);
-        request.last = ownFrame(mRange.last);
-        request.loops = Settings::loopType == Loop;
-        mLoader->RequestFrame(viewer.media, request);
+        if (mViewers[index].timeline)
+            RequestFrame(index, direction);
     }
+}
+
+int PlaybackController::NeighbourToPrepare(const Viewer& viewer, int index, int direction) const
+{
+    const std::vector<TimelineSegment>& segments = viewer.timeline->Segments();
+    const TimelineSegment& segment = segments[static_cast<size_t>(index)];
+    const int left = direction > 0 ? segment.Last() - viewer.wanted : viewer.wanted - segment.first;
+    if (left > PreparedSeconds * segment.rate.PerSecond())
+        return -1;
+    const PlaybackRange range = RangeOf(viewer);
+    const int next = direction > 0 ? segment.Last() + 1 : segment.first - 1;
+    if (range.Contains(next))
+        return SegmentIndex(segments, next);
+    if (Settings::loopType != Loop)
+        return -1;
+    const int round = SegmentIndex(segments, direction > 0 ? range.first : range.last);
+    return round == index ? -1 : round;
+}
+
+void PlaybackController::AddMediaInUse(const Viewer& viewer, int direction, std::set<int>* inUse)
+{
+    const std::vector<TimelineSegment>& segments = viewer.timeline->Segments();
+    const int index = SegmentIndex(segments, viewer.wanted);
+    if (index < 0)
+        return;
+    for (const int used : {index, NeighbourToPrepare(viewer, index, direction)})
+    {
+        if (used >= 0 && !segments[static_cast<size_t>(used)].source->IsMissing())
+            inUse->insert(MediaOf(viewer, used));
+    }
+}
+
+int PlaybackController::MediaOf(const Viewer& viewer, int index)
+{
+    const auto place = static_cast<size_t>(index);
+    return mLanes.Use(viewer.timeline->Segments()[place].source, viewer.copies[place]);
+}
+
+void PlaybackController::RequestFrame(int viewerIndex, int direction)
+{
+    const Viewer& viewer = mViewers[viewerIndex];
+    const std::vector<TimelineSegment>& segments = viewer.timeline->Segments();
+    const int index = SegmentIndex(segments, viewer.wanted);
+    if (index < 0 || segments[static_cast<size_t>(index)].source->IsMissing())
+    {
+        ShowNothing(viewerIndex);
+        return;
+    }
+    const int media = MediaOf(viewer, index);
+    if (mLanes.HasFailed(media))
+    {
+        ShowNothing(viewerIndex);
+        return;
+    }
+    const TimelineSegment& segment = segments[static_cast<size_t>(index)];
+    const PlaybackRange range = RangeOf(viewer);
+    const bool isWhole = segment.first <= range.first && segment.Last() >= range.last;
+    // Ahead of the frame first, so that answers which come at once find everything asked for.
+    const int neighbour = NeighbourToPrepare(viewer, index, direction);
+    if (neighbour >= 0 && !segments[static_cast<size_t>(neighbour)].source->IsMissing())
+        PrepareSegment(viewer, neighbour, direction);
+    FrameRequest request;
+    request.frame = segment.MediaFrameOf(viewer.wanted);
+    request.direction = direction;
+    request.isPlaying = mPlaying;
+    request.first = segment.MediaFrameOf(std::max(range.first, segment.first));
+    request.last = segment.MediaFrameOf(std::min(range.last, segment.Last()));
+    request.loops = isWhole && Settings::loopType == Loop;
+    mLoader->RequestFrame(media, request);
+}
+
+void PlaybackController::ShowNothing(int viewerIndex)
+{
+    const Viewer& viewer = mViewers[viewerIndex];
+    if (viewer.shown != viewer.wanted)
+        Show(viewerIndex, viewer.wanted, ReadResult{ReadStatus::Missing, QImage(), QString()});
+}
+
+void PlaybackController::OnOpenFailed(int media, const QString& text)
+{
+    if (!mLanes.SetFailed(media))
+        return;
+    Q_EMIT SourceFailed(text);
+    RequestFrames(mPosition.direction);
+}
+
+void PlaybackController::PrepareSegment(const Viewer& viewer, int index, int direction)
+{
+    const TimelineSegment& segment = viewer.timeline->Segments()[static_cast<size_t>(index)];
+    const PlaybackRange range = RangeOf(viewer);
+    FrameRequest request;
+    request.first = segment.MediaFrameOf(std::max(range.first, segment.first));
+    request.last = segment.MediaFrameOf(std::min(range.last, segment.Last()));
+    request.frame = direction > 0 ? request.first : request.last;
+    request.direction = direction;
+    request.readAhead = static_cast<int>(PreparedSeconds * segment.source->Info().frameRate.PerSecond());
+    mLoader->RequestFrame(MediaOf(viewer, index), request);
 }
 
 void PlaybackController::Show(int viewer, int frame, const ReadResult& result)
@@ -386,13 +576,21 @@ void PlaybackController::Show(int viewer, int frame, const ReadResult& result)
 
 void PlaybackController::OnFrameReady(int media, int frame, const ReadResult& result)
 {
-    for (int index = 0; index < ViewerCount; ++index)
+    for (int viewerIndex = 0; viewerIndex < ViewerCount; ++viewerIndex)
     {
-        const Viewer& viewer = mViewers[index];
+        const Viewer& viewer = mViewers[viewerIndex];
+        const int index = viewer.timeline ? SegmentIndex(viewer.timeline->Segments(), viewer.wanted) : -1;
+        if (index < 0)
+            continue;
+        const auto place = static_cast<size_t>(index);
+        const TimelineSegment& segment = viewer.timeline->Segments()[place];
+        if (mLanes.Find(segment.source, viewer.copies[place]) != media)
+            continue;
+        const bool isWanted = segment.MediaFrameOf(viewer.wanted) == frame;
+        const int own = isWanted ? viewer.wanted : segment.FrameOf(frame);
         // A frame that was asked for before and comes late still beats none, but not the one that is wanted.
-        if (viewer.timeline && viewer.media == media && viewer.shown != frame &&
-            viewer.shown != viewer.wanted)
-            Show(index, frame, result);
+        if (viewer.shown != own && viewer.shown != viewer.wanted)
+            Show(viewerIndex, own, result);
     }
 }
 
@@ -402,18 +600,18 @@ void PlaybackController::StartClock()
     mStartLoopType = Settings::loopType;
     mLastStep = 0;
     mClock->Start(
-        PlaybackStart{LeadingTimeline()->Info().frameRate, mStart, mRange, mStartLoopType, mSpeed, mStepped});
+        PlaybackStart{LeadingTimeline()->Rate(), mStart, mRange, mStartLoopType, mSpeed, mStepped});
     ScheduleTick();
 }
 
 int64_t PlaybackController::StepsSinceStart() const
 {
-    return LeadingTimeline()->Info().frameRate.TimeToFrame(mClock->Played()) - 1;
+    return LeadingTimeline()->Rate().TimeToFrame(mClock->Played()) - 1;
 }
 
 void PlaybackController::ScheduleTick()
 {
-    const FrameRate& rate = LeadingTimeline()->Info().frameRate;
+    const FrameRate rate = LeadingTimeline()->Rate();
     const int64_t left = rate.FrameToTime(mLastStep + 2) - mClock->Played();
     // Rounded up, so that the frame is due when the timer fires.
     const double milliseconds =

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "media/MediaReader.h"
+#include "playback/MediaLanes.h"
 #include "playback/PlaybackClock.h"
 #include "playback/PlaybackRange.h"
 
@@ -10,10 +11,13 @@
 #include <QTimer>
 
 #include <array>
+#include <map>
 #include <memory>
+#include <set>
+#include <vector>
 
 class FrameLoader;
-class MediaTimeline;
+class ProjectTimeline;
 
 /// Follows the clock and says which frame each viewer shows.
 ///
@@ -29,14 +33,19 @@ public:
 
     PlaybackController(FrameLoader* loader, QObject* parent);
 
-    /// Shows @p timeline, whose medium the loader knows as @p media, in viewer @p viewer from its first frame
-    /// on; a null one empties the viewer.
-    void SetTimeline(int viewer, std::shared_ptr<MediaTimeline> timeline, int media);
-    const std::shared_ptr<MediaTimeline>& TimelineOf(int viewer) const;
+    /// The media that the timelines' sources are read from.
+    MediaLanes& Lanes();
+
+    /// Shows @p timeline in viewer @p viewer from its first frame on; a null one empties the viewer.
+    void SetTimeline(int viewer, std::shared_ptr<ProjectTimeline> timeline);
+    const std::shared_ptr<ProjectTimeline>& TimelineOf(int viewer) const;
     /// The timeline that leads; null if no viewer has one.
-    const std::shared_ptr<MediaTimeline>& LeadingTimeline() const;
-    /// The loader's number for the medium of the timeline that leads; -1 for none.
-    int LeadingMedia() const;
+    const std::shared_ptr<ProjectTimeline>& LeadingTimeline() const;
+    /// Goes on with what @p timeline shows now, after its elements, a source or its range have changed. A
+    /// timeline in no viewer is ignored.
+    void RefreshTimeline(const ProjectTimeline* timeline);
+    /// Ranges of the leading timeline's frames that are kept: first frame to last, in order.
+    std::map<int, int> CachedRanges() const;
     /// Makes @p viewer the active one; its timeline leads.
     void SetActiveViewer(int viewer);
     int ActiveViewer() const;
@@ -93,6 +102,8 @@ public Q_SLOTS:
 Q_SIGNALS:
     /// Viewer @p viewer is to show @p result, its frame @p frame.
     void PictureReady(int viewer, int frame, const ReadResult& result);
+    /// The medium of a source that a viewer wants can't be opened; @p text says which and why.
+    void SourceFailed(const QString& text);
     /// The playhead stands at @p time (microseconds).
     void PlayheadMoved(int64_t time);
     void PlayingChanged(bool playing);
@@ -109,14 +120,16 @@ Q_SIGNALS:
     void ActualFrameRateChanged(float rate);
 
 private Q_SLOTS:
+    void OnOpenFailed(int media, const QString& text);
     void OnTick();
     void OnFrameReady(int media, int frame, const ReadResult& result);
 
 private:
     struct Viewer
     {
-        std::shared_ptr<MediaTimeline> timeline;
-        int media = -1;
+        std::shared_ptr<ProjectTimeline> timeline;
+        /// Copy of its source that each segment is read from.
+        std::vector<int> copies;
         int wanted = 0;
         int shown = 0;
     };
@@ -125,6 +138,21 @@ private:
     void FollowLeader();
     void MovePlayhead(int frame, int direction);
     void RequestFrames(int direction);
+    /// Which copies of their sources the segments of both viewers are read from.
+    void AssignCopies();
+    /// Adds the media that @p viewer needs now, and soon, to @p inUse; they are open then.
+    void AddMediaInUse(const Viewer& viewer, int direction, std::set<int>* inUse);
+    /// Asks for the frame that the viewer wants, and for the first frames of the segment that follows soon.
+    void RequestFrame(int viewerIndex, int direction);
+    void PrepareSegment(const Viewer& viewer, int index, int direction);
+    /// Index of the segment that follows within a moment where play goes @p direction; -1 if none does.
+    int NeighbourToPrepare(const Viewer& viewer, int index, int direction) const;
+    /// The loader's number for the segment at @p index.
+    int MediaOf(const Viewer& viewer, int index);
+    /// Shows that there is no picture on the frame that the viewer wants.
+    void ShowNothing(int viewerIndex);
+    /// The viewer's own frames of the leading timeline's range.
+    PlaybackRange RangeOf(const Viewer& viewer) const;
     void Show(int viewer, int frame, const ReadResult& result);
     void StartClock();
     void ScheduleTick();
@@ -138,6 +166,8 @@ private:
     void ReportState();
 
     FrameLoader* mLoader;
+    MediaLanes mLanes;
+    std::set<int> mMediaInUse;
     std::array<Viewer, ViewerCount> mViewers;
     int mActiveViewer = 0;
     int mCurrentFrame = 1;

@@ -3,6 +3,7 @@
 
 #include "host/Settings.h"
 #include "media/FrameLoader.h"
+#include "project/MediaSource.h"
 #include "project/MediaTimeline.h"
 
 #include <QFileInfo>
@@ -56,13 +57,17 @@ void MediaLibrary::Open(const QString& path, int viewer)
 
 void MediaLibrary::OnMediaOpened(int media, const MediaInfo& info)
 {
+    // The loader opens media for others too.
+    if (!mPending.contains(media))
+        return;
     const Pending pending = mPending.take(media);
-    mEntries.push_back(Entry{pending.path, media, std::make_shared<MediaTimeline>(info)});
+    const auto source = std::make_shared<const MediaSource>(QUuid::createUuid(), info);
+    mEntries.push_back(Entry{pending.path, media, std::make_shared<MediaTimeline>(source)});
     Q_EMIT Opened(static_cast<int>(mEntries.size()) - 1, pending.viewer);
 }
 
 void MediaLibrary::OnOpenFailed(int media, const QString& text)
 {
-    mPending.remove(media);
-    Q_EMIT Failed(text);
+    if (mPending.remove(media) > 0)
+        Q_EMIT Failed(text);
 }

@@ -1,43 +1,51 @@
 // SPDX-License-Identifier: MIT
 #include "project/MediaTimeline.h"
 
+#include "project/MediaSource.h"
+
 #include <QFileInfo>
 
 #include <algorithm>
 
-MediaTimeline::MediaTimeline(const MediaInfo& info)
-    : mInfo(info)
-    , mName(QFileInfo(info.path).fileName())
-    , mSource(std::make_shared<Source>(QUuid::createUuid(), info.path))
+MediaTimeline::MediaTimeline(std::shared_ptr<const MediaSource> source, const QUuid& id,
+                             const QUuid& parentID)
+    : ProjectTimeline(QFileInfo(source->GetPath()).fileName(), id, parentID)
 {
-    mElement.id = QUuid::createUuid();
-    mElement.frameCount = info.frameCount;
-    mRange.last = info.frameCount;
+    SetMediaSource(std::move(source));
+}
+
+const std::shared_ptr<const MediaSource>& MediaTimeline::GetMediaSource() const
+{
+    return mSource;
+}
+
+void MediaTimeline::SetMediaSource(std::shared_ptr<const MediaSource> source)
+{
+    mSource = std::move(source);
+    const int count = std::max(Info().frameCount, 1);
+    mSegments = {TimelineSegment{1, count, mSource, 1, count, mElementID, Info().frameRate}};
+    // Bookmarks stand at times, which another rate moves.
+    RebuildFrameBookmarks();
 }
 
 const MediaInfo& MediaTimeline::Info() const
 {
-    return mInfo;
+    return mSource->Info();
 }
 
-const std::shared_ptr<AnnotationStore>& MediaTimeline::Annotations() const
+FrameRate MediaTimeline::Rate() const
 {
-    return mAnnotations;
+    return Info().frameRate;
 }
 
-const PlaybackRange& MediaTimeline::Range() const
+const std::vector<TimelineSegment>& MediaTimeline::Segments() const
 {
-    return mRange;
+    return mSegments;
 }
 
-void MediaTimeline::SetRange(const PlaybackRange& range)
+bool MediaTimeline::IsMissing()
 {
-    mRange = range;
-}
-
-const QString& MediaTimeline::GetName()
-{
-    return mName;
+    return mSource->IsMissing();
 }
 
 bool MediaTimeline::IsSourceTimeline()
@@ -45,79 +53,8 @@ bool MediaTimeline::IsSourceTimeline()
     return true;
 }
 
-int MediaTimeline::GetViewerIndex()
-{
-    return mViewerIndex;
-}
-
-void MediaTimeline::ToggleBookmark(int frame)
-{
-    if (!mMarkedFrames.remove(frame))
-        mMarkedFrames.insert(frame);
-    UpdateAnnotationBookmark(frame);
-}
-
-void MediaTimeline::UpdateAnnotationBookmark(int frame)
-{
-    TimeBookmark bookmark(FrameToTime(frame));
-    bookmark.drawings = mAnnotations->Drawings(frame);
-    GetBookmarks()->RemoveTimeBookmark(bookmark.time);
-    if (mMarkedFrames.contains(frame) || !bookmark.drawings.isEmpty())
-        GetBookmarks()->AddTimeBookmark(bookmark);
-}
-
-int MediaTimeline::NextBookmarkedFrame(int frame, int direction)
-{
-    int nearest = 0;
-    const auto consider = [&](int64_t time)
-    {
-        const int candidate = TimeToFrame(time);
-        const int distance = (candidate - frame) * direction;
-        if (distance > 0 && (nearest == 0 || distance < (nearest - frame) * direction))
-            nearest = candidate;
-    };
-    for (const TimeBookmark& bookmark : GetBookmarks()->GetTimeBookmarks())
-        consider(bookmark.time);
-    for (const RangeBookmark& bookmark : GetBookmarks()->GetRangeBookmarks())
-    {
-        consider(bookmark.startTime);
-        consider(bookmark.endTime);
-    }
-    return nearest;
-}
-
-void MediaTimeline::SetViewerIndex(int viewer)
-{
-    mViewerIndex = viewer;
-}
-
 std::weak_ptr<Source> MediaTimeline::GetSource()
 {
-    return mSource;
-}
-
-QList<ElementInfo> MediaTimeline::GetElementInfos()
-{
-    return {mElement};
-}
-
-int64_t MediaTimeline::GetStartTime()
-{
-    return 0;
-}
-
-int64_t MediaTimeline::GetEndTime()
-{
-    return FrameToTime(mInfo.frameCount);
-}
-
-int MediaTimeline::TimeToFrame(int64_t time)
-{
-    const int64_t frame = mInfo.frameRate.TimeToFrame(time);
-    return static_cast<int>(std::min<int64_t>(std::max<int64_t>(frame, 1), mInfo.frameCount));
-}
-
-int64_t MediaTimeline::FrameToTime(int frame)
-{
-    return mInfo.frameRate.FrameToTime(frame);
+    // The widgets take sources that may change; they only read them.
+    return std::const_pointer_cast<MediaSource>(mSource);
 }

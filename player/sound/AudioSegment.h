@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <vector>
 
+class ProjectTimeline;
 struct MediaInfo;
 
 /// A stretch of a timeline's sound: part of one medium's sound, played without a change of its speed.
@@ -33,3 +34,6 @@ inline bool operator==(const AudioSegment& a, const AudioSegment& b)
 /// The sound of the timeline of one source, which shows the whole medium of @p info: one segment, or none if
 /// it has no sound.
 std::vector<AudioSegment> AudioSegmentsOf(const MediaInfo& info);
+/// The sound of @p timeline: one segment for each of its stretches whose source has sound and is not missing,
+/// as long as the stretch shows pictures.
+std::vector<AudioSegment> AudioSegmentsOf(ProjectTimeline& timeline);

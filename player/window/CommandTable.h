@@ -52,6 +52,12 @@ public:
     /// Brings the check marks in line with what the commands say.
     void UpdateSwitches();
 
+Q_SIGNALS:
+    /// A command has run.
+    void CommandRun();
+    /// The commands' keys may be others than before.
+    void KeysChanged();
+
 private:
     std::vector<Command> mCommands;
     QHash<QString, QAction*> mActions;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "window/DemoDrawing.h"
 
+#include "media/MediaInfo.h"
 #include "project/MediaTimeline.h"
 
 #include <QCoreApplication>

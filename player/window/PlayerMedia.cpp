@@ -2,8 +2,8 @@
 // The window's media: what is open, and what the viewers show of it.
 #include "window/PlayerWindow.h"
 
+#include "annotation/AnnotationController.h"
 #include "annotation/AnnotationStore.h"
-#include "annotation/StrokeController.h"
 #include "host/Logger.h"
 #include "playback/PlaybackController.h"
 #include "project/MediaLibrary.h"
@@ -12,7 +12,6 @@
 #include "window/CommandTable.h"
 #include "window/DemoDrawing.h"
 #include "window/MessageBar.h"
-#include "window/OverlayPresenter.h"
 #include "window/ViewerBackEndChoice.h"
 
 #include <QAction>
@@ -45,7 +44,9 @@ void PlayerWindow::OpenFromDialog(int viewer)
 
 void PlayerWindow::OnMediaOpened(int index, int viewer)
 {
-    const MediaInfo& info = mMedia->Entries()[static_cast<size_t>(index)].timeline->Info();
+    const MediaLibrary::Entry& entry = mMedia->Entries()[static_cast<size_t>(index)];
+    const MediaInfo& info = entry.timeline->Info();
+    mPlayback->Lanes().Adopt(entry.timeline->GetMediaSource(), entry.media);
     Logger::GetInstance()->Info(tr("Opened %1: %2 x %3, %4 frames at %5 frames per second, %6")
                                     .arg(info.path)
                                     .arg(info.width)
@@ -77,14 +78,14 @@ void PlayerWindow::OnMediaFailed(const QString& text)
 void PlayerWindow::ShowEntry(int index, int viewer)
 {
     const MediaLibrary::Entry& entry = mMedia->Entries()[static_cast<size_t>(index)];
-    mStrokes->Cancel();
+    mAnnotation->EndEdits();
     if (const auto& old = mPlayback->TimelineOf(viewer); old && old != entry.timeline)
         old->SetViewerIndex(-1);
     entry.timeline->SetViewerIndex(viewer);
     ShowPicture(mViewer, viewer, QImage());
     if (viewer == 1 && mViewer->GetViewerLayout() == Single)
         SetLayout(Horizontal);
-    mPlayback->SetTimeline(viewer, entry.timeline, entry.media);
+    mPlayback->SetTimeline(viewer, entry.timeline);
     UpdateTitle();
     UpdateMediaMenu();
     UpdateStatus();
@@ -152,11 +153,14 @@ void PlayerWindow::UpdateMediaMenu()
 
 void PlayerWindow::OnPictureReady(int viewer, int frame, const ReadResult& result)
 {
-    if (mStrokes->DrawingViewer() == viewer)
-        mStrokes->Cancel();
+    if (mAnnotation->Strokes()->DrawingViewer() == viewer)
+        mAnnotation->Strokes()->Cancel();
+    if (mAnnotation->Text()->TypingViewer() == viewer && mAnnotation->Text()->TypingFrame() != frame)
+        mAnnotation->Text()->Finish();
     ShowPicture(mViewer, viewer, result.image);
-    const std::shared_ptr<MediaTimeline>& timeline = mPlayback->TimelineOf(viewer);
-    OverlayPresenter::Present(mViewer, viewer, timeline->Annotations().get(), frame);
+    const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->TimelineOf(viewer);
+    mOverlays.Present(mViewer, viewer, timeline->Annotations().get(), frame,
+                      mAnnotation->Text()->TypingViewer() == viewer);
     RefreshViewers();
     EmitIfSettled();
 }

@@ -1,30 +1,45 @@
 // SPDX-License-Identifier: MIT
 #include "window/PlayerWindow.h"
 
+#include "annotation/AnnotationController.h"
 #include "annotation/AnnotationStore.h"
-#include "annotation/StrokeController.h"
 #include "host/Logger.h"
 #include "host/Settings.h"
 #include "media/FrameLoader.h"
 #include "playback/PlaybackController.h"
+#include "playback/VolumeState.h"
+#include "project/BookmarkController.h"
 #include "project/MediaLibrary.h"
+#include "project/MediaSource.h"
 #include "project/MediaTimeline.h"
 #include "sound/SoundPlayer.h"
 #include "timelines/TimelineWidget.h"
+#include "toolbars/BookmarksToolbarWidget.h"
 #include "toolbars/PlaybackControlWidget.h"
+#include "toolbars/SecondaryControlsWidget.h"
+#include "toolbars/VolumeWidget.h"
 #include "viewers/ViewerWidget.h"
+#include "window/AnnotationBarBinding.h"
+#include "window/BookmarksBarBinding.h"
 #include "window/CommandTable.h"
 #include "window/MessageBar.h"
+#include "window/OutputBinding.h"
+#include "window/PanelArea.h"
+#include "window/PanelTogglesBinding.h"
+#include "window/PlainTooltips.h"
 #include "window/TimelineBinding.h"
 #include "window/ViewerInput.h"
+#include "window/VolumeBarBinding.h"
 
 #include <QAction>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QScreen>
 #include <QStatusBar>
 #include <QTimer>
 #include <QUrl>
@@ -36,7 +51,10 @@ namespace
 {
 
 constexpr QSize InitialSize(1280, 800);
+/// How much of a small screen a new window may take.
+constexpr double ScreenPart = 0.9;
 constexpr int StatusMargin = 8;
+constexpr int BarMargin = 8;
 
 QStringList LocalFiles(const QMimeData* data)
 {
@@ -47,6 +65,28 @@ QStringList LocalFiles(const QMimeData* data)
             paths << url.toLocalFile();
     }
     return paths;
+}
+
+QString ToolName(AnnotationToolType tool)
+{
+    switch (tool)
+    {
+    case Pencil:
+        return PlayerWindow::tr("Pencil");
+    case Eraser:
+        return PlayerWindow::tr("Eraser");
+    case Text:
+        return PlayerWindow::tr("Text");
+    case Arrow:
+        return PlayerWindow::tr("Arrow");
+    case Oval:
+        return PlayerWindow::tr("Oval");
+    case Eyedropper:
+        return PlayerWindow::tr("Eyedropper");
+    case Rectangle:
+        return PlayerWindow::tr("Rectangle");
+    }
+    return QString();
 }
 
 QLabel* MakeStatusLabel(QWidget* parent, const char* objectName)
@@ -68,7 +108,12 @@ PlayerWindow::PlayerWindow(const ViewerBackEndChoice& choice)
     CreateActions();
     CreateLayout();
     CreateConnections();
-    resize(InitialSize);
+    mVolumeBar->ReadState();
+    mBookmarksBar->ReadState();
+    mAnnotationBar->ReadState();
+    OnKeysChanged();
+    SyncBars();
+    resize(InitialSize.boundedTo(ScreenPart * QGuiApplication::primaryScreen()->availableSize()));
     setAcceptDrops(true);
     UpdateTitle();
     UpdateStatus();
@@ -91,29 +136,50 @@ void PlayerWindow::CreateWidgets()
     mSound = new SoundPlayer(
         [this]
         {
-            const std::shared_ptr<MediaTimeline>& lead = mPlayback->LeadingTimeline();
-            return lead ? AudioSegmentsOf(lead->Info()) : std::vector<AudioSegment>();
+            const std::shared_ptr<ProjectTimeline>& lead = mPlayback->LeadingTimeline();
+            return lead ? AudioSegmentsOf(*lead) : std::vector<AudioSegment>();
         },
         this);
     mSound->Lead(mPlayback);
     mViewer->setObjectName(QStringLiteral("viewer"));
     mViewer->setFocusPolicy(Qt::StrongFocus);
     mViewer->SetViewerLayout(static_cast<ViewerLayout>(Settings::viewerLayout));
-    mStrokes = new StrokeController(
+    mAnnotation = new AnnotationController(
         mViewer, &mUndoStack,
         [this](int viewer)
         {
-            const std::shared_ptr<MediaTimeline>& timeline = mPlayback->TimelineOf(viewer);
+            const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->TimelineOf(viewer);
             if (!timeline || mPlayback->ShownFrame(viewer) == 0)
                 return StrokeTarget();
             return StrokeTarget{timeline->Annotations(), mPlayback->ShownFrame(viewer)};
         },
+        [this](int viewer)
+        {
+            const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->TimelineOf(viewer);
+            const auto source = timeline ? timeline->SourceAt(mPlayback->ShownFrame(viewer)) : nullptr;
+            return source ? QSize(source->Info().width, source->Info().height) : QSize();
+        },
         this);
-    mInput = new ViewerInput(mViewer, mStrokes, mPlayback, this);
+    mBookmarks = new BookmarkController(mPlayback, &mUndoStack, this);
+    mVolume = new VolumeState(this);
+    connect(mVolume, &VolumeState::VolumeChanged, mSound,
+            [this] { mSound->SetVolume(static_cast<float>(mVolume->Volume()) / 100.0f); });
+    connect(mVolume, &VolumeState::MutedChanged, mSound, &SoundPlayer::SetMuted);
+    mPlayback->Lanes().SetPictureFormat(PictureFormatOf(mViewer));
+    mInput = new ViewerInput(mViewer, mAnnotation, mPlayback, this);
     mTimelines = new TimelineBinding(mPlayback, mLoader, this, this);
+    mOutput = new OutputBinding(mPlayback, mViewer, [this] { return mAnnotationsVisible; }, this);
     mTransport = new PlaybackControlWidget(this);
     mTransport->setObjectName(QStringLiteral("transport"));
     mMessages = new MessageBar(this);
+    new PlainTooltips(this);
+    mCenter = new QWidget(this);
+    mViewerRow = new QWidget(mCenter);
+    mPanels = new PanelArea(mCenter, this);
+    mAnnotationBar = new AnnotationBarBinding(mAnnotation, mViewerRow, this);
+    mBookmarksBar = new BookmarksBarBinding(mBookmarks, mCenter, this);
+    mVolumeBar = new VolumeBarBinding(mVolume, mCenter, this);
+    mPanelToggles = new PanelTogglesBinding(mPanels, mAnnotationBar, mCenter, this);
 }
 
 void PlayerWindow::CreateActions()
@@ -140,19 +206,27 @@ void PlayerWindow::CreateActions()
 
 void PlayerWindow::CreateLayout()
 {
-    auto* const center = new QWidget(this);
-    mCenterLayout = new QVBoxLayout(center);
+    mCenterLayout = new QVBoxLayout(mCenter);
     mCenterLayout->setContentsMargins(0, 0, 0, 0);
     mCenterLayout->setSpacing(0);
     mCenterLayout->addWidget(mMessages);
-    mCenterLayout->addWidget(mViewer, 1);
+    mCenterLayout->addWidget(mViewerRow, 1);
+    auto* const row = new QHBoxLayout(mViewerRow);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(0);
+    row->addWidget(mViewer, 1);
+    mAnnotationBar->PlaceIn(row, mViewer);
     ArrangeTimelines();
-    setCentralWidget(center);
-    auto* const bar = new QHBoxLayout;
-    bar->addStretch();
-    bar->addWidget(mTransport);
-    bar->addStretch();
-    mCenterLayout->addLayout(bar);
+    setCentralWidget(mPanels);
+    mCenterLayout->addWidget(mBookmarksBar->Bar());
+    // The outer columns share what is left evenly, so that the transport stands in the middle.
+    auto* const bars = new QHBoxLayout;
+    bars->setContentsMargins(BarMargin, 0, BarMargin, 0);
+    bars->setSpacing(BarMargin);
+    bars->addWidget(mPanelToggles->Bar(), 1);
+    bars->addWidget(mTransport);
+    bars->addWidget(mVolumeBar->Bar(), 1);
+    mCenterLayout->addLayout(bars);
 
     mMediaLabel = MakeStatusLabel(this, "mediaLabel");
     mToolLabel = MakeStatusLabel(this, "toolLabel");
@@ -169,27 +243,39 @@ void PlayerWindow::CreateConnections()
     connect(mMedia, SIGNAL(Failed(QString)), this, SLOT(OnMediaFailed(QString)));
     connect(mPlayback, SIGNAL(PictureReady(int, int, const ReadResult&)), this,
             SLOT(OnPictureReady(int, int, const ReadResult&)));
+    connect(mPlayback, SIGNAL(SourceFailed(QString)), this, SLOT(OnMediaFailed(QString)));
     connect(mPlayback, SIGNAL(PlayheadMoved(int64_t)), this, SLOT(OnPlayheadMoved()));
     connect(mPlayback, SIGNAL(PlayingChanged(bool)), this, SLOT(OnPlayingChanged()));
     connect(mPlayback, SIGNAL(ActualFrameRateChanged(float)), this, SLOT(OnActualFrameRateChanged(float)));
     connect(mViewer, SIGNAL(PanZoomChangeRequested(QPointF, float, bool)), this,
             SLOT(OnPanZoomChangeRequested(QPointF, float, bool)));
-    connect(mViewer, SIGNAL(PlaybackToggled()), mPlayback, SLOT(TogglePlayback()));
+    connect(mViewer, SIGNAL(PlaybackToggled()), this, SLOT(OnViewerDoubleClicked()));
     connect(mTransport, SIGNAL(PlayForwardsPressed()), mPlayback, SLOT(ToggleForwards()));
     connect(mTransport, SIGNAL(PlayBackwardsPressed()), mPlayback, SLOT(ToggleBackwards()));
     connect(mTransport, SIGNAL(StepForwardsPressed()), mPlayback, SLOT(StepForwards()));
     connect(mTransport, SIGNAL(StepBackwardsPressed()), mPlayback, SLOT(StepBackwards()));
     connect(mTransport, SIGNAL(SeekStartPressed()), mPlayback, SLOT(GoToFirst()));
     connect(mTransport, SIGNAL(SeekEndPressed()), mPlayback, SLOT(GoToLast()));
-    connect(mTransport, SIGNAL(NextBookmarkPressed()), this, SLOT(GoToNextBookmark()));
-    connect(mTransport, SIGNAL(PreviousBookmarkPressed()), this, SLOT(GoToPreviousBookmark()));
+    connect(mTransport, SIGNAL(NextBookmarkPressed()), mBookmarks, SLOT(GoToNext()));
+    connect(mTransport, SIGNAL(PreviousBookmarkPressed()), mBookmarks, SLOT(GoToPrevious()));
     connect(mPlayback, SIGNAL(StateChanged(bool, bool)), mTransport,
             SLOT(OnPlaybackStateChanged(bool, bool)));
     connect(mInput, SIGNAL(FullPaintNeeded()), this, SLOT(RefreshViewers()));
     connect(mInput, SIGNAL(ViewerPressed(int)), this, SLOT(OnViewerPressed(int)));
-    connect(mStrokes, SIGNAL(OverlayChanged()), this, SLOT(PresentOverlays()));
-    connect(mStrokes, SIGNAL(DrawingsChanged(AnnotationStore*, int)), this,
-            SLOT(OnDrawingsChanged(AnnotationStore*, int)));
+    const StrokeController* const strokes = mAnnotation->Strokes();
+    connect(strokes, SIGNAL(OverlayChanged()), this, SLOT(PresentOverlays()));
+    connect(strokes, SIGNAL(DrawingsChanged(AnnotationStore*, int, bool)), this,
+            SLOT(OnDrawingsChanged(AnnotationStore*, int, bool)));
+    connect(mBookmarks, SIGNAL(DrawingsChanged(AnnotationStore*, int, bool)), this,
+            SLOT(OnDrawingsChanged(AnnotationStore*, int, bool)));
+    connect(mBookmarks, SIGNAL(BookmarksChanged(ProjectTimeline*, int, bool)), this,
+            SLOT(OnBookmarksChanged(ProjectTimeline*, int, bool)));
+    connect(mAnnotationBar, SIGNAL(ToolChanged()), this, SLOT(OnToolChanged()));
+    connect(mAnnotationBar, SIGNAL(GhostingChanged()), this, SLOT(OnGhostingChanged()));
+    connect(mAnnotationBar, SIGNAL(ClearFrameRequested(bool)), this, SLOT(ClearFrame(bool)));
+    connect(mVolumeBar, SIGNAL(LayoutRequested(int)), this, SLOT(SetLayout(int)));
+    connect(mCommands, SIGNAL(CommandRun()), this, SLOT(SyncBars()));
+    connect(mCommands, SIGNAL(KeysChanged()), this, SLOT(OnKeysChanged()));
     connect(mLoader, SIGNAL(FrameFailed(int, int, QString)), this, SLOT(OnFrameFailed(int, int, QString)));
     connect(mTimelines, SIGNAL(GlobalPositionChangeRequested(bool)), this,
             SLOT(OnGlobalPositionChangeRequested(bool)));
@@ -210,7 +296,7 @@ void PlayerWindow::ArrangeTimelines()
     {
         const bool atTop = isRange ? Settings::rangeTimelineAtTop : Settings::globalTimelineAtTop;
         const bool rangeIsAbove = !isRange && atTop && Settings::rangeTimelineAtTop;
-        QWidget* const below = rangeIsAbove ? static_cast<QWidget*>(range) : mViewer;
+        QWidget* const below = rangeIsAbove ? static_cast<QWidget*>(range) : mViewerRow;
         mCenterLayout->insertWidget(mCenterLayout->indexOf(below) + (atTop ? 0 : 1),
                                     isRange ? range : global);
     }
@@ -252,7 +338,32 @@ MediaLibrary* PlayerWindow::Media() const
 
 StrokeController* PlayerWindow::Strokes() const
 {
-    return mStrokes;
+    return mAnnotation->Strokes();
+}
+
+AnnotationController* PlayerWindow::Annotation() const
+{
+    return mAnnotation;
+}
+
+VolumeState* PlayerWindow::Volume() const
+{
+    return mVolume;
+}
+
+void PlayerWindow::OnKeysChanged()
+{
+    mAnnotationBar->UpdateHotkeys(mCommands);
+}
+
+PanelArea* PlayerWindow::Panels() const
+{
+    return mPanels;
+}
+
+OutputBinding* PlayerWindow::Output() const
+{
+    return mOutput;
 }
 
 void PlayerWindow::UpdateTitle()
@@ -260,7 +371,7 @@ void PlayerWindow::UpdateTitle()
     QStringList names;
     for (int viewer = 0; viewer < PlaybackController::ViewerCount; ++viewer)
     {
-        if (const std::shared_ptr<MediaTimeline>& timeline = mPlayback->TimelineOf(viewer))
+        if (const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->TimelineOf(viewer))
             names << timeline->GetName();
     }
     const QString title = QString::fromLatin1(Settings::APPLICATION_TITLE);
@@ -270,7 +381,7 @@ void PlayerWindow::UpdateTitle()
 
 void PlayerWindow::UpdateStatus()
 {
-    const std::shared_ptr<MediaTimeline>& timeline = mPlayback->LeadingTimeline();
+    const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->LeadingTimeline();
     if (!timeline)
     {
         mMediaLabel->setText(mMedia->IsOpening() ? tr("Opening…")
@@ -280,14 +391,17 @@ void PlayerWindow::UpdateStatus()
         mToolLabel->clear();
         return;
     }
-    const MediaInfo& info = timeline->Info();
-    mMediaLabel->setText(tr("%1   %2 x %3   %4")
-                             .arg(timeline->GetName())
-                             .arg(info.width)
-                             .arg(info.height)
-                             .arg(info.codecName));
-    mFrameLabel->setText(tr("Frame %1 / %2").arg(mPlayback->CurrentFrame()).arg(info.frameCount));
-    QString rate = tr("%1 fps").arg(info.frameRate.PerSecond(), 0, 'g', 5);
+    const std::shared_ptr<const MediaSource> source = timeline->SourceAt(mPlayback->CurrentFrame());
+    if (source)
+        mMediaLabel->setText(tr("%1   %2 x %3   %4")
+                                 .arg(timeline->GetName())
+                                 .arg(source->Info().width)
+                                 .arg(source->Info().height)
+                                 .arg(source->Info().codecName));
+    else
+        mMediaLabel->setText(timeline->GetName());
+    mFrameLabel->setText(tr("Frame %1 / %2").arg(mPlayback->CurrentFrame()).arg(timeline->FrameCount()));
+    QString rate = tr("%1 fps").arg(timeline->Rate().PerSecond(), 0, 'g', 5);
     if (mPlayback->IsPlaying())
     {
         rate += tr("   showing %1").arg(static_cast<double>(mActualRate), 0, 'f', 1);
@@ -300,7 +414,7 @@ void PlayerWindow::UpdateStatus()
     if (!Settings::drawEnabled)
         mToolLabel->clear();
     else
-        mToolLabel->setText(Settings::annotationTool == Eraser ? tr("Eraser") : tr("Pencil"));
+        mToolLabel->setText(ToolName(Settings::annotationTool));
 }
 
 void PlayerWindow::dragEnterEvent(QDragEnterEvent* event)
@@ -316,20 +430,29 @@ void PlayerWindow::dropEvent(QDropEvent* event)
         return;
     event->acceptProposedAction();
     mMessages->Clear();
-    OpenFiles(paths, mStrokes->ViewerAt(mapToGlobal(event->pos())));
+    OpenFiles(paths, mAnnotation->Strokes()->ViewerAt(mapToGlobal(event->pos())));
 }
 
 void PlayerWindow::keyPressEvent(QKeyEvent* event)
 {
-    if (event->key() == Qt::Key_Escape && mStrokes->IsDrawing())
-        mStrokes->Cancel();
+    if (event->key() == Qt::Key_Escape && mAnnotation->IsBusy())
+        mAnnotation->EndEdits();
     else
         QMainWindow::keyPressEvent(event);
 }
 
 void PlayerWindow::closeEvent(QCloseEvent* event)
 {
+    if (!mOutput->MayClose())
+    {
+        event->ignore();
+        return;
+    }
     mPlayback->Pause();
+    mAnnotation->EndEdits();
+    mAnnotationBar->WriteState();
+    mBookmarksBar->WriteState();
+    mVolumeBar->WriteState();
     Settings::WriteUserConfig();
     QMainWindow::closeEvent(event);
 }

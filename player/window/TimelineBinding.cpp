@@ -4,7 +4,7 @@
 #include "host/Settings.h"
 #include "media/FrameLoader.h"
 #include "playback/PlaybackController.h"
-#include "project/MediaTimeline.h"
+#include "project/ProjectTimeline.h"
 #include "timelines/TimelineWidget.h"
 #include "timelines/UiHelpers.h"
 
@@ -65,7 +65,7 @@ void TimelineBinding::UpdateBookmarks()
 
 void TimelineBinding::OnLeadingTimelineChanged()
 {
-    const std::shared_ptr<MediaTimeline>& lead = mPlayback->LeadingTimeline();
+    const std::shared_ptr<ProjectTimeline>& lead = mPlayback->LeadingTimeline();
     for (TimelineWidget* const timeline : {mGlobalTimeline, mRangeTimeline})
     {
         // A frame or a cached range that has the same numbers as before would pass as no change, and keep the
@@ -73,7 +73,7 @@ void TimelineBinding::OnLeadingTimelineChanged()
         timeline->SetTimeline({});
         timeline->SetCachedRange(0, 0);
         timeline->SetTimeline(lead);
-        timeline->SetDesiredFrameRate(lead ? static_cast<float>(lead->Info().frameRate.PerSecond()) : 0.0f);
+        timeline->SetDesiredFrameRate(lead ? static_cast<float>(lead->Rate().PerSecond()) : 0.0f);
     }
     UpdateCachedRange();
 }
@@ -89,11 +89,11 @@ void TimelineBinding::OnSteppedChanged(bool stepped)
 
 void TimelineBinding::UpdateCachedRange()
 {
-    const std::shared_ptr<MediaTimeline>& lead = mPlayback->LeadingTimeline();
+    const std::shared_ptr<ProjectTimeline>& lead = mPlayback->LeadingTimeline();
     if (!lead)
         return;
     const int frame = mPlayback->CurrentFrame();
-    const std::map<int, int> ranges = mLoader->CachedRanges(mPlayback->LeadingMedia());
+    const std::map<int, int> ranges = mPlayback->CachedRanges();
     // The run of cached frames that the playhead stands in; where it stands in none, the nearest one after
     // it.
     auto run = ranges.upper_bound(frame);

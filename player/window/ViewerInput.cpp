@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "window/ViewerInput.h"
 
-#include "annotation/StrokeController.h"
+#include "annotation/AnnotationController.h"
 #include "host/Settings.h"
 #include "playback/PlaybackController.h"
-#include "project/MediaTimeline.h"
+#include "project/ProjectTimeline.h"
 #include "viewers/ViewerWidget.h"
 
 #include <QApplication>
@@ -20,9 +20,9 @@ constexpr double PixelsPerFrame = 4.0;
 
 } // namespace
 
-ViewerInput::ViewerInput(ViewerWidget* viewer, StrokeController* strokes, PlaybackController* playback,
+ViewerInput::ViewerInput(ViewerWidget* viewer, AnnotationController* annotation, PlaybackController* playback,
                          QObject* parent)
-    : QObject(parent), mViewer(viewer), mStrokes(strokes), mPlayback(playback)
+    : QObject(parent), mViewer(viewer), mAnnotation(annotation), mPlayback(playback)
 {
     viewer->installEventFilter(this);
     connect(viewer, SIGNAL(ScrubStateChanged(bool)), this, SLOT(OnScrubStateChanged(bool)));
@@ -35,6 +35,11 @@ bool ViewerInput::eventFilter(QObject* watched, QEvent* event)
     case QEvent::MouseButtonPress:
         Press(*static_cast<QMouseEvent*>(event));
         break;
+    case QEvent::MouseButtonDblClick:
+        // Two quick presses are two strokes.
+        if (Settings::drawEnabled)
+            Press(*static_cast<QMouseEvent*>(event));
+        break;
     case QEvent::MouseMove:
         Move(*static_cast<QMouseEvent*>(event));
         break;
@@ -43,7 +48,7 @@ bool ViewerInput::eventFilter(QObject* watched, QEvent* event)
         break;
     case QEvent::Leave:
         // The cursor's preview leaves with it.
-        if (Settings::drawEnabled && !mStrokes->IsDrawing())
+        if (Settings::drawEnabled && !mAnnotation->IsBusy())
             Q_EMIT FullPaintNeeded();
         break;
     case QEvent::Resize:
@@ -61,27 +66,28 @@ void ViewerInput::Press(const QMouseEvent& event)
     if (mScrubbing && event.button() != Qt::LeftButton)
         return;
     mPressPos = event.globalPos();
-    Q_EMIT ViewerPressed(mStrokes->ViewerAt(event.globalPos()));
+    Q_EMIT ViewerPressed(mAnnotation->Strokes()->ViewerAt(event.globalPos()));
     if (event.button() != Qt::LeftButton || !Settings::drawEnabled)
         return;
     mPlayback->HoldShownFrame();
-    mStrokes->Press(event.globalPos());
+    mAnnotation->Press(event.globalPos());
 }
 
 void ViewerInput::Move(const QMouseEvent& event)
 {
-    if (mStrokes->Move(event.globalPos()))
+    if (mAnnotation->Move(event.globalPos()))
         return;
     if (mScrubbing)
         Scrub(event.globalPos());
-    else if (Settings::drawEnabled && event.buttons() == Qt::NoButton && !mPlayback->IsPlaying())
+    else if (Settings::drawEnabled && event.buttons() == Qt::NoButton && !mPlayback->IsPlaying() &&
+             !mAnnotation->IsBusy())
         mViewer->RefreshAnnotations();
 }
 
 void ViewerInput::Release(const QMouseEvent& event)
 {
     if (event.button() == Qt::LeftButton)
-        mStrokes->Release(event.globalPos());
+        mAnnotation->Release(event.globalPos());
 }
 
 void ViewerInput::OnScrubStateChanged(bool enabled)

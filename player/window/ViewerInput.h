@@ -4,18 +4,19 @@
 #include <QObject>
 #include <QPoint>
 
+class AnnotationController;
 class PlaybackController;
 class QMouseEvent;
-class StrokeController;
 class ViewerWidget;
 
-/// Turns the mouse over the viewers into strokes while drawing is on, and into scrubbing while it is off.
+/// Hands the mouse over the viewers to the annotation tools while drawing is on, and into scrubbing while it
+/// is off.
 class ViewerInput : public QObject
 {
     Q_OBJECT
 
 public:
-    ViewerInput(ViewerWidget* viewer, StrokeController* strokes, PlaybackController* playback,
+    ViewerInput(ViewerWidget* viewer, AnnotationController* annotation, PlaybackController* playback,
                 QObject* parent);
 
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -37,7 +38,7 @@ private:
     void Scrub(const QPoint& globalPos);
 
     ViewerWidget* mViewer;
-    StrokeController* mStrokes;
+    AnnotationController* mAnnotation;
     PlaybackController* mPlayback;
     bool mScrubbing = false;
     bool mScrubMoved = false;

@@ -3,6 +3,7 @@
 
 #include "host/FrameData.h"
 #include "host/Settings.h"
+#include "viewers/DrawDataPainting.h"
 #include "viewers/DrawSpace.h"
 
 #include <QCursor>
@@ -16,11 +17,7 @@
 namespace
 {
 
-/// QPainter::HighQualityAntialiasing, whose name is deprecated.
-constexpr auto HighQualityAntialiasingHint = static_cast<QPainter::RenderHint>(0x08);
-
-constexpr QPainter::RenderHints OverlayRenderHints =
-    QPainter::RenderHints(QPainter::Antialiasing | HighQualityAntialiasingHint | QPainter::TextAntialiasing);
+using DrawDataPainting::OverlayRenderHints;
 
 constexpr QSizeF CaretSize(5.0, 15.0);
 

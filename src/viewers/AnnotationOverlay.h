@@ -83,8 +83,6 @@ private:
     DrawSpace SpaceOf(int index) const;
     bool HasOverlay(int index) const;
     bool TakesIncrementalPath(int index) const;
-    void PaintText(QPainter* painter, const FrameData* frame, int entry, const DrawData& drawing,
-                   const QPointF& position, float scale);
     void PaintIncrementally(QPainter& widgetPainter, int index);
     void PaintWhole(QPainter& widgetPainter, AnnotationPainter& annotationPainter, int index);
     void PaintGhosts(AnnotationPainter& annotationPainter, const QList<const FrameData*>& ghosts, int count,

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "viewers/DrawDataPainting.h"
+
 #include "host/FrameData.h"
 #include "host/Settings.h"
 #include "viewers/AnnotationOverlay.h"
@@ -23,9 +25,34 @@ constexpr float TextPointsPerPixel = 4.0f;
 constexpr qreal TextRectangleSize = 4096.0;
 constexpr int TextBoxPenWidth = 2;
 
+void PaintText(QPainter* painter, const DrawData& drawing, const QPointF& position, float scale, bool boxed)
+{
+    QFont font;
+    // A size of 0, before the first paint, would only raise a warning.
+    if (const float points = drawing.width * scale * TextPointsPerPixel; points > 0.0f)
+        font.setPointSizeF(static_cast<qreal>(points));
+    font.setStyleHint(QFont::Helvetica, QFont::PreferDefault);
+    painter->setFont(font);
+
+    // A blank gives a new text a box to show.
+    const QString text = drawing.text.isEmpty() ? QStringLiteral(" ") : drawing.text;
+    QRectF bounds;
+    painter->drawText(QRectF(position, QSizeF(TextRectangleSize, TextRectangleSize)), Qt::AlignLeft, text,
+                      &bounds);
+    if (!boxed)
+        return;
+
+    QPen pen = painter->pen();
+    pen.setWidth(TextBoxPenWidth);
+    painter->setPen(pen);
+    const qreal b = TextBoxPenWidth;
+    painter->drawRect(
+        QRectF(bounds.x() - 2 * b, bounds.y() - b, bounds.width() + 4 * b, bounds.height() + 3 * b));
+}
+
 } // namespace
 
-QPointF AnnotationOverlay::GetArrowHeadPoint(const QPointF& tail, const QPointF& tip, float angle)
+QPointF DrawDataPainting::ArrowHeadPoint(const QPointF& tail, const QPointF& tip, float angle)
 {
     const double c = static_cast<double>(std::cos(angle));
     const double s = static_cast<double>(std::sin(angle));
@@ -37,16 +64,12 @@ QPointF AnnotationOverlay::GetArrowHeadPoint(const QPointF& tail, const QPointF&
                    tip.y() + static_cast<double>(barb.y() * ArrowHeadLength));
 }
 
-void AnnotationOverlay::PaintDrawData(QPainter* painter, const FrameData* frame, int entry, int startPoint,
-                                      int viewerIndex, int alpha)
+void DrawDataPainting::Paint(QPainter* painter, const DrawData& drawing, int startPoint,
+                             const DrawSpace& space, int alpha, bool boxed)
 {
-    if (entry < 0 || entry >= frame->drawData.size())
-        return;
-    const DrawData drawing = frame->drawData[entry];
     if (drawing.type == DrawNone)
         return;
 
-    const DrawSpace space = SpaceOf(viewerIndex);
     QColor color = drawing.color;
     if (static_cast<unsigned int>(alpha) <= 255u)
         color.setAlpha(alpha);
@@ -71,7 +94,7 @@ void AnnotationOverlay::PaintDrawData(QPainter* painter, const FrameData* frame,
             painter->drawLine(space.ToPixel(drawing.points[point - 1]), space.ToPixel(drawing.points[point]));
         break;
     case DrawText:
-        PaintText(painter, frame, entry, drawing, first, space.scale);
+        PaintText(painter, drawing, first, space.scale, boxed);
         break;
     case DrawLine:
         painter->drawLine(first, second);
@@ -84,7 +107,7 @@ void AnnotationOverlay::PaintDrawData(QPainter* painter, const FrameData* frame,
         painter->drawLine(first, second);
         for (const float angle : {ArrowHeadAngle, -ArrowHeadAngle})
         {
-            const QPointF head = GetArrowHeadPoint(drawing.points[0], drawing.points[1], angle);
+            const QPointF head = ArrowHeadPoint(drawing.points[0], drawing.points[1], angle);
             painter->drawLine(second, space.ToPixel(head));
         }
         break;
@@ -100,28 +123,17 @@ void AnnotationOverlay::PaintDrawData(QPainter* painter, const FrameData* frame,
     }
 }
 
-void AnnotationOverlay::PaintText(QPainter* painter, const FrameData* frame, int entry,
-                                  const DrawData& drawing, const QPointF& position, float scale)
+QPointF AnnotationOverlay::GetArrowHeadPoint(const QPointF& tail, const QPointF& tip, float angle)
 {
-    QFont font;
-    // A size of 0, before the first paint, would only raise a warning.
-    if (const float points = drawing.width * scale * TextPointsPerPixel; points > 0.0f)
-        font.setPointSizeF(static_cast<qreal>(points));
-    font.setStyleHint(QFont::Helvetica, QFont::PreferDefault);
-    painter->setFont(font);
+    return DrawDataPainting::ArrowHeadPoint(tail, tip, angle);
+}
 
-    // A blank gives a new text a box to show.
-    const QString text = drawing.text.isEmpty() ? QStringLiteral(" ") : drawing.text;
-    QRectF bounds;
-    painter->drawText(QRectF(position, QSizeF(TextRectangleSize, TextRectangleSize)), Qt::AlignLeft, text,
-                      &bounds);
-    if (!Settings::textToolActive || entry != frame->lastIndex)
+void AnnotationOverlay::PaintDrawData(QPainter* painter, const FrameData* frame, int entry, int startPoint,
+                                      int viewerIndex, int alpha)
+{
+    if (entry < 0 || entry >= frame->drawData.size())
         return;
-
-    QPen pen = painter->pen();
-    pen.setWidth(TextBoxPenWidth);
-    painter->setPen(pen);
-    const qreal b = TextBoxPenWidth;
-    painter->drawRect(
-        QRectF(bounds.x() - 2 * b, bounds.y() - b, bounds.width() + 4 * b, bounds.height() + 3 * b));
+    const DrawData drawing = frame->drawData[entry];
+    const bool boxed = Settings::textToolActive && entry == frame->lastIndex;
+    DrawDataPainting::Paint(painter, drawing, startPoint, SpaceOf(viewerIndex), alpha, boxed);
 }

@@ -2,6 +2,7 @@
 #include "sound/SoundRig.h"
 
 #include "host/Logger.h"
+#include "project/MediaSource.h"
 
 #include <algorithm>
 #include <cmath>
@@ -46,6 +47,13 @@ AudioOpener TellingSource::Opener(Kind kind)
     return [kind](const AudioSegment&, int, QString*) { return std::make_unique<TellingSource>(kind); };
 }
 
+std::shared_ptr<MediaTimeline> SoundRig::MakeTimeline(const MediaInfo& info)
+{
+    // Of a medium without a file, so that pictures take no time.
+    return std::make_shared<MediaTimeline>(
+        std::make_shared<const MediaSource>(QUuid::createUuid(), info, true));
+}
+
 SoundRig::SoundRig(const Options& given) : options(given)
 {
     MediaInfo info;
@@ -54,7 +62,7 @@ SoundRig::SoundRig(const Options& given) : options(given)
     info.frameRate = options.rate;
     info.duration = options.rate.FrameToTime(int64_t(options.frameCount) + 1);
     info.hasAudio = options.hasSound;
-    timeline = std::make_shared<MediaTimeline>(info);
+    timeline = MakeTimeline(info);
     playback = std::make_unique<PlaybackController>(&loader, nullptr);
     auto nullSink = std::make_unique<NullSink>(options.sampleRate, options.latency);
     sink = nullSink.get();
@@ -66,7 +74,7 @@ SoundRig::SoundRig(const Options& given) : options(given)
     // Simulated time stands still while the test thinks.
     player->SetPatience(600000);
     player->Lead(playback.get());
-    playback->SetTimeline(0, timeline, 1);
+    playback->SetTimeline(0, timeline);
 }
 
 SoundRig::~SoundRig() = default;

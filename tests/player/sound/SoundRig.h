@@ -71,6 +71,8 @@ struct SoundRig
     explicit SoundRig(const Options& options);
     ~SoundRig();
 
+    /// The timeline of a medium that @p info tells of, whose pictures take no time.
+    static std::shared_ptr<MediaTimeline> MakeTimeline(const MediaInfo& info);
     /// Lets the renderer work, @p frames frames of the device's time go by, and the controller look at the
     /// clock. Returns what was audible.
     std::vector<float> Run(int frames, int block = 480);

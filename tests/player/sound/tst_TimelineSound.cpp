@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "media/MediaInfo.h"
+#include "project/ElementTimeline.h"
+#include "project/MediaSource.h"
+#include "project/MediaTimeline.h"
 #include "sound/SoundRig.h"
 #include "sound/TimelineSound.h"
 #include "support/TestRegistry.h"
@@ -14,6 +17,7 @@ class tst_TimelineSound : public QObject
 
 private Q_SLOTS:
     void ASourceTimelineIsOneSegment();
+    void ATimelineOfElementsHasASegmentForEachThatSounds();
     void SegmentsFollowEachOtherToTheSample();
     void GapsAreSilentAndOverlapsAreMixed();
     void BackwardsIsTheSameTheOtherWayRound();
@@ -42,6 +46,32 @@ void tst_TimelineSound::ASourceTimelineIsOneSegment()
     const std::vector<AudioSegment> segments = AudioSegmentsOf(info);
     QCOMPARE(segments.size(), size_t(1));
     QVERIFY(segments[0] == (AudioSegment{info.path, 0, 0, 2000000, 80000}));
+}
+
+void tst_TimelineSound::ATimelineOfElementsHasASegmentForEachThatSounds()
+{
+    const auto element = [](const char* path, int frames, bool hasAudio, bool missing)
+    {
+        MediaInfo info;
+        info.path = QLatin1String(path);
+        info.frameCount = frames;
+        info.frameRate = FrameRate{25, 1};
+        info.hasAudio = hasAudio;
+        info.startTime = 40000;
+        const auto source = std::make_shared<const MediaSource>(QUuid::createUuid(), info, missing);
+        return std::make_shared<ElementObject>(std::make_shared<MediaTimeline>(source));
+    };
+    ElementTimeline timeline(QStringLiteral("cut"));
+    const auto cut = element("/media/cut.mov", 100, true, false);
+    cut->SourceTimeline()->SetRange({26, 75});
+    timeline.SetElements({element("/media/a.mov", 50, true, false),
+                          element("/media/mute.mov", 25, false, false),
+                          element("/media/lost.mov", 25, true, true), cut});
+    const std::vector<AudioSegment> segments = AudioSegmentsOf(timeline);
+    QCOMPARE(segments.size(), size_t(2));
+    QVERIFY(segments[0] == (AudioSegment{QStringLiteral("/media/a.mov"), 0, 0, 2000000, 40000}));
+    QVERIFY(segments[1] ==
+            (AudioSegment{QStringLiteral("/media/cut.mov"), 1000000, 4000000, 2000000, 40000}));
 }
 
 void tst_TimelineSound::SegmentsFollowEachOtherToTheSample()

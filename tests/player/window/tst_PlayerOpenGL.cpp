@@ -3,6 +3,7 @@
 #include "host/Settings.h"
 #include "media/NumberedMedia.h"
 #include "playback/PlaybackController.h"
+#include "project/ProjectTimeline.h"
 #include "support/InputEvents.h"
 #include "support/TestRegistry.h"
 #include "viewers/ViewerWidget.h"
@@ -11,6 +12,7 @@
 #include "window/PlayerProbe.h"
 #include "window/PlayerWindow.h"
 
+#include <QAction>
 #include <QOpenGLContext>
 #include <QOpenGLFunctions>
 #include <QOpenGLWidget>

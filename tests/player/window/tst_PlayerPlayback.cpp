@@ -163,7 +163,7 @@ void tst_PlayerPlayback::TheTransportBarActs()
 
 void tst_PlayerPlayback::LoopsWithinTheRange()
 {
-    MediaTimeline& timeline = *mWindow->Playback()->TimelineOf(0);
+    ProjectTimeline& timeline = *mWindow->Playback()->TimelineOf(0);
     mWindow->Playback()->SetRange(timeline.FrameToTime(10), timeline.FrameToTime(16));
     QSet<int> seen;
     connect(mWindow->Playback(), &PlaybackController::PictureReady, mWindow.get(),

@@ -298,7 +298,7 @@ void tst_PlayerTimelines::EachTimelineKeepsItsRange()
         QStringLiteral("-c:v mjpeg -q:v 3 -pix_fmt yuvj420p").split(QLatin1Char(' ')), QSize(320, 180));
     mWindow->OpenFiles({other}, 1);
     QTRY_COMPARE_WITH_TIMEOUT(mWindow->Playback()->ShownFrame(1), 1, 10000);
-    MediaTimeline& first = *mWindow->Playback()->TimelineOf(0);
+    ProjectTimeline& first = *mWindow->Playback()->TimelineOf(0);
     mWindow->Playback()->SetRange(first.FrameToTime(10), first.FrameToTime(20));
     mWindow->Playback()->SetActiveViewer(1);
     QCOMPARE(Global()->GetRangeEndFrame(), 96);
