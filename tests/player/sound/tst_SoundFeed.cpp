@@ -11,6 +11,8 @@
 #include <new>
 #include <thread>
 
+// The sanitizers bring their own.
+#ifndef TORVALEN_SANITIZED
 namespace
 {
 
@@ -19,8 +21,6 @@ thread_local int AllocationCount = 0;
 
 } // namespace
 
-// The sanitizers bring their own.
-#ifndef TORVALEN_SANITIZED
 void* operator new(std::size_t size)
 {
     ++AllocationCount;
