@@ -130,12 +130,13 @@ void ExportJob::Start(OutputPlan plan, const ExportOptions& options)
         Fail(tr("There are no frames to export."));
         return;
     }
-    Q_EMIT Line(
-        tr("Exporting %1: frames %2 to %3 at %4 frames per second, %5 x %6, to %7")
-            .arg(mPlan->name, QString::number(mPlan->frames.front()), QString::number(mPlan->frames.back()),
-                 QString::number(mPlan->rate.PerSecond(), 'g', 6), QString::number(mOptions.size.width()),
-                 QString::number(mOptions.size.height()), mOptions.outputPath),
-        false);
+    Q_EMIT Line(tr("Exporting %1: frames %2 to %3, %4 x %5, %6 fps")
+                    .arg(mPlan->name, QString::number(mPlan->frames.front()),
+                         QString::number(mPlan->frames.back()), QString::number(mOptions.size.width()),
+                         QString::number(mOptions.size.height()),
+                         QString::number(mPlan->rate.PerSecond(), 'g', 6)),
+                false);
+    Q_EMIT Line(tr("To %1").arg(mOptions.outputPath), false);
     const QSize size = EncodableSize(mOptions.size);
     if (size != mOptions.size)
         Q_EMIT Line(tr("Odd sizes can't be encoded: the movie gets %1 x %2 pixels.")
@@ -348,9 +349,8 @@ void ExportJob::OnMovieFinished(const QString& error)
     Q_EMIT Progress(FullProgress);
     const double seconds = static_cast<double>(mClock.elapsed()) / 1000.0;
     const double megabytes = static_cast<double>(QFileInfo(mOptions.outputPath).size()) / 1e6;
-    Q_EMIT Line(tr("Exported %1 frames to %2 in %3 s (%4 frames per second, %5 MB).")
-                    .arg(QString::number(mPlan->FrameCount()), mOptions.outputPath,
-                         QString::number(seconds, 'f', 1),
+    Q_EMIT Line(tr("Exported %1 frames in %2 s (%3 fps, %4 MB).")
+                    .arg(QString::number(mPlan->FrameCount()), QString::number(seconds, 'f', 1),
                          QString::number(mPlan->FrameCount() / std::max(seconds, 0.001), 'f', 1),
                          QString::number(megabytes, 'f', 1)),
                 false);
