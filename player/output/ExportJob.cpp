@@ -24,8 +24,6 @@ namespace
 
 /// How many pictures that can't be read are told one by one.
 constexpr int ToldProblems = 20;
-/// How much of the encoder's last words is kept.
-constexpr int KeptLines = 8;
 /// A pipe of the default size wakes both sides for each sixteenth of a megabyte.
 constexpr int PipeBytes = 1 << 20;
 constexpr int FullProgress = 1000;
@@ -47,15 +45,15 @@ QStringList TakeLines(QByteArray& buffer)
     }
 }
 
-/// The line of @p lines that says why the encoder failed: the last one that is no mere farewell.
-QString ReasonIn(const QStringList& lines)
+/// What the encoder says last, and no more.
+const QString Farewell = QStringLiteral("Conversion failed!");
+
+/// What @p line of the encoder says if it tells of an error; empty otherwise.
+QString ErrorIn(const QString& line)
 {
-    for (auto line = lines.rbegin(); line != lines.rend(); ++line)
-    {
-        if (!line->isEmpty() && *line != QLatin1String("Conversion failed!"))
-            return *line;
-    }
-    return {};
+    static const QRegularExpression error(QStringLiteral("\\[(?:error|fatal|panic)\\] (.*)$"));
+    const QString text = error.match(line).captured(1);
+    return text == Farewell ? QString() : text;
 }
 
 /// The arguments as one would type them.
@@ -116,7 +114,8 @@ void ExportJob::Start(OutputPlan plan, const ExportOptions& options)
     mUnfinishedFile.clear();
     mEncoderOutput.clear();
     mEncoderProgress.clear();
-    mLastLines.clear();
+    mLastLine.clear();
+    mEncoderError.clear();
     mFeedError.clear();
     mProblems = 0;
     mRunning = true;
@@ -248,9 +247,10 @@ void ExportJob::TakeEncoderLine(const QString& line)
     if (line.isEmpty())
         return;
     Q_EMIT Line(line, true);
-    mLastLines << line;
-    if (mLastLines.size() > KeptLines)
-        mLastLines.removeFirst();
+    if (const QString error = ErrorIn(line); !error.isEmpty())
+        mEncoderError = error;
+    if (line != Farewell)
+        mLastLine = line;
 }
 
 void ExportJob::OnEncoderProgress()
@@ -286,7 +286,7 @@ void ExportJob::OnEncoderFinished(int exitCode, QProcess::ExitStatus status)
     const bool succeeded = status == QProcess::NormalExit && exitCode == 0 && !mStopping;
     if (!succeeded)
         mFeed->Cancel();
-    const QString reason = ReasonIn(mLastLines);
+    const QString reason = mEncoderError.isEmpty() ? mLastLine : mEncoderError;
     if (mStopping)
         Fail({});
     else if (status != QProcess::NormalExit)
@@ -339,7 +339,10 @@ void ExportJob::OnMovieFinished(const QString& error)
         Q_EMIT Line(tr("%1 pictures could not be read; black stands for what is missing.").arg(mProblems),
                     false);
     // What the feed says is the cause of what was counted.
-    const QString reason = mFeedError.isEmpty() ? error : mFeedError;
+    QString reason = mFeedError.isEmpty() ? error : mFeedError;
+    // It calls a movie done whose end it could not write.
+    if (!mEncoderError.isEmpty())
+        reason += tr(" The encoder said: %1").arg(mEncoderError);
     if (!error.isEmpty() || (mStopping && QFile::exists(mUnfinishedFile)))
     {
         Fail(mStopping ? QString() : reason);

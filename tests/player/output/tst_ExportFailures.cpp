@@ -105,9 +105,13 @@ void tst_ExportFailures::EncoderThatFailsSaysWhy_data()
     QTest::addColumn<QString>("told");
     QTest::newRow("at once") << QByteArray("echo 'Unknown encoder' >&2; exit 3")
                              << "The encoder failed (exit status 3): Unknown encoder";
-    QTest::newRow("full disk") << QByteArray("head -c 500000 >/dev/null; echo 'No space left on device' >&2; "
-                                             "echo 'Conversion failed!' >&2; exit 1")
-                               << "The encoder failed (exit status 1): No space left on device";
+    QTest::newRow("full disk")
+        << QByteArray(
+               "head -c 500000 >/dev/null\necho '[error] av_write(): No space left on device' >&2\n"
+               "echo '[libx264 @ 0x1] [info] kb/s:100' >&2\necho '[fatal] Conversion failed!' >&2\nexit 1")
+        << "The encoder failed (exit status 1): av_write(): No space left on device";
+    QTest::newRow("full disk in truth")
+        << QByteArray("ulimit -f 64\ntrap '' XFSZ\nexec ffmpeg \"$@\"") << "File too large";
     QTest::newRow("without a line end") << QByteArray("printf 'first\\nlast words' >&2; exit 1")
                                         << "The encoder failed (exit status 1): last words";
     QTest::newRow("crash") << QByteArray("echo 'going' >&2; kill -SEGV $$") << "The encoder crashed. going";
