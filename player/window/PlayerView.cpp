@@ -180,7 +180,7 @@ void PlayerWindow::OnPanZoomChanged(QPointF panInterpolation, float zoom, bool e
     mZoom = zoom;
     mViewer->SetPanAndZoom(panInterpolation, zoom, enabled);
     RefreshViewers();
-    mAnnotation->Text()->PlaceCaret();
+    mAnnotation->Text()->FollowPicture();
     UpdateStatus();
 }
 

@@ -30,7 +30,6 @@
 #include "window/OutputBinding.h"
 #include "window/PanelArea.h"
 #include "window/PanelTogglesBinding.h"
-#include "window/PlainTooltips.h"
 #include "window/ProjectBinding.h"
 #include "window/ProjectPlaybackBinding.h"
 #include "window/PropertiesBinding.h"
@@ -52,6 +51,7 @@
 #include <QScreen>
 #include <QStatusBar>
 #include <QTimer>
+#include <QUndoStack>
 #include <QUrl>
 #include <QVBoxLayout>
 
@@ -142,6 +142,10 @@ PlayerWindow::PlayerWindow(const ViewerBackEndChoice& choice)
 PlayerWindow::~PlayerWindow()
 {
     delete mScripts;
+    // While all is there that hears of it: a text ends as the viewer loses the focus, and drawing with the
+    // tools.
+    mAnnotation->EndEdits();
+    hide();
     // The journal goes while the project stands.
     delete mProjects;
     // The viewers hold plain pointers to the annotations of timelines that go before them.
@@ -193,7 +197,6 @@ void PlayerWindow::CreateWidgets()
     mTransport = new PlaybackControlWidget(this);
     mTransport->setObjectName(QStringLiteral("transport"));
     mMessages = new MessageBar(this);
-    new PlainTooltips(this);
     mCenter = new QWidget(this);
     mViewerRow = new QWidget(mCenter);
     mPanels = new PanelArea(mCenter, this);
@@ -335,7 +338,16 @@ void PlayerWindow::CreateConnections()
     connect(mAnnotationBar, SIGNAL(ClearFrameRequested(bool)), this, SLOT(ClearFrame(bool)));
     connect(mVolumeBar, SIGNAL(LayoutRequested(int)), this, SLOT(SetLayout(int)));
     connect(mCommands, SIGNAL(CommandRun()), this, SLOT(SyncBars()));
+    connect(mAnnotationBar, SIGNAL(ToolChanged()), mCommands, SLOT(UpdateSwitches()));
+    connect(mAnnotationBar, SIGNAL(GhostingChanged()), mCommands, SLOT(UpdateSwitches()));
+    connect(mVolumeBar, SIGNAL(LoopChanged()), mCommands, SLOT(UpdateSwitches()));
+    connect(mVolume, SIGNAL(MutedChanged(bool)), mCommands, SLOT(UpdateSwitches()));
+    connect(mPanels, SIGNAL(VisibilityChanged(QString, bool)), mCommands, SLOT(UpdateSwitches()));
     connect(mCommands, SIGNAL(KeysChanged()), this, SLOT(OnKeysChanged()));
+    connect(mScripts, SIGNAL(DrawingsChanged(AnnotationStore*, int, bool)), this,
+            SLOT(OnDrawingsChanged(AnnotationStore*, int, bool)));
+    connect(mScripts, SIGNAL(BookmarksChanged(ProjectTimeline*, int, bool)), this,
+            SLOT(OnBookmarksChanged(ProjectTimeline*, int, bool)));
     connect(mLoader, SIGNAL(FrameFailed(int, int, QString)), this, SLOT(OnFrameFailed(int, int, QString)));
     connect(mTimelines, SIGNAL(GlobalPositionChangeRequested(bool)), this,
             SLOT(OnGlobalPositionChangeRequested(bool)));
@@ -429,11 +441,6 @@ PanelArea* PlayerWindow::Panels() const
     return mPanels;
 }
 
-OutputBinding* PlayerWindow::Output() const
-{
-    return mOutput;
-}
-
 ConsoleBinding* PlayerWindow::Console() const
 {
     return mConsole;
@@ -449,6 +456,11 @@ ScriptBinding* PlayerWindow::Scripts() const
     return mScripts;
 }
 
+QUndoStack* PlayerWindow::UndoStack()
+{
+    return mProject->UndoStack();
+}
+
 QPointF PlayerWindow::Pan() const
 {
     return mPan;
@@ -457,6 +469,11 @@ QPointF PlayerWindow::Pan() const
 float PlayerWindow::Zoom() const
 {
     return mZoom;
+}
+
+OutputBinding* PlayerWindow::Output() const
+{
+    return mOutput;
 }
 
 void PlayerWindow::UpdateTitle()

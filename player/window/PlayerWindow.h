@@ -33,14 +33,15 @@ class PlaybackControlWidget;
 class PlaybackController;
 class QLabel;
 class QMenu;
+class QUndoStack;
 class Project;
 class ProjectBinding;
 class ProjectTimeline;
 class PropertiesBinding;
 class RecentFiles;
 class QVBoxLayout;
-class SoundPlayer;
 class ScriptBinding;
+class SoundPlayer;
 class SettingsBinding;
 class StrokeController;
 class TimelineBinding;
@@ -77,6 +78,8 @@ public:
     void ShowTimeline(const std::shared_ptr<ProjectTimeline>& timeline, int viewer);
     StrokeController* Strokes() const;
     ScriptBinding* Scripts() const;
+    /// The project's.
+    QUndoStack* UndoStack();
     ConsoleBinding* Console() const;
     /// Preferences, project settings, about box.
     SettingsBinding* Preferences() const;
