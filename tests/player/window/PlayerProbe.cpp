@@ -12,6 +12,8 @@
 #include <QScreen>
 #include <QtTest>
 
+#include <algorithm>
+
 namespace PlayerProbe
 {
 
@@ -27,7 +29,10 @@ bool ShowWith(PlayerWindow* window, const QString& path)
 {
     // The picture has the window to itself.
     for (const QString& panel : window->Panels()->Names())
-        window->Panels()->SetVisible(panel, false);
+    {
+        if (window->Panels()->Panel(panel))
+            window->Panels()->SetVisible(panel, false);
+    }
     window->resize(900, 700);
     window->show();
     window->activateWindow();
@@ -70,7 +75,10 @@ int NumberOnScreen(PlayerWindow* window, int viewer)
 
 QWidget* Part(PlayerWindow* window, const char* name)
 {
-    return window->findChild<QWidget*>(QLatin1String(name));
+    const QList<QWidget*> parts = window->findChildren<QWidget*>(QLatin1String(name));
+    const auto shown = std::find_if(parts.begin(), parts.end(),
+                                    [window](const QWidget* part) { return part->isVisibleTo(window); });
+    return shown != parts.end() ? *shown : parts.value(0);
 }
 
 void Click(QWidget* widget, Qt::MouseButton button)

@@ -32,7 +32,8 @@ QRect PictureRect(PlayerWindow* window, int viewer, const QSize& pictureSize = Q
 /// The number that the picture of viewer @p viewer carries on the screen; -1 if none can be read.
 int NumberOnScreen(PlayerWindow* window, int viewer = 0);
 
-/// The button or other part called @p name of @p window; null if there is none.
+/// The button or other part called @p name of @p window, one that is shown before one that isn't; null if
+/// there is none.
 QWidget* Part(PlayerWindow* window, const char* name);
 
 /// Clicks the middle of @p widget with the mouse.

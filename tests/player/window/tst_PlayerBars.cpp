@@ -346,7 +346,10 @@ void tst_PlayerBars::PanelsAreToggled()
 {
     PanelArea* const panels = mWindow->Panels();
     for (const char* const name : {"project", "details", "properties"})
+    {
         panels->SetPanel(QLatin1String(name), new QWidget);
+        panels->SetVisible(QLatin1String(name), true);
+    }
     Click("toggleProjectViewButton");
     QVERIFY(!panels->IsVisible(QStringLiteral("project")));
     QVERIFY(panels->IsVisible(QStringLiteral("details")));
@@ -365,7 +368,10 @@ void tst_PlayerBars::LinkedPanelsGoTogether()
 {
     PanelArea* const panels = mWindow->Panels();
     for (const char* const name : {"project", "details"})
+    {
         panels->SetPanel(QLatin1String(name), new QWidget);
+        panels->SetVisible(QLatin1String(name), true);
+    }
     Settings::linkProjectViewAndDetailsViewVisibility = true;
     mWindow->SyncBars();
     QVERIFY(Part("toggleTimelineListViewButton")->isHidden());

@@ -141,7 +141,12 @@ void tst_PlayerText::ATextEnds_data()
     row("by a step", run("playback.next"));
     row("as it plays", run("playback.toggle"));
     row("by another layout", run("view.vertical"));
-    row("as the window closes", [](PlayerWindow* window) { window->close(); });
+    row("as the window closes",
+        [](PlayerWindow* window)
+        {
+            Settings::displayConfirmationOnClose = false;
+            window->close();
+        });
 }
 
 void tst_PlayerText::ATextEnds()

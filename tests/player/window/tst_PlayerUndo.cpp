@@ -94,7 +94,10 @@ void tst_PlayerUndo::DoSomething(QRandomGenerator* random)
     mWindow->Playback()->SeekFrame(frame);
     QTRY_COMPARE(mWindow->Playback()->ShownFrame(0), frame);
     if (random->bounded(4) == 0)
+    {
         Run(random->bounded(2) ? "range.start" : "range.end");
+        return;
+    }
     if (random->bounded(2))
     {
         Run(commands[random->bounded(8)]);
