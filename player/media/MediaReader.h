@@ -12,6 +12,8 @@
 #include <functional>
 #include <memory>
 
+struct AVFrame;
+
 /// How the reading of a frame ended.
 enum class ReadStatus
 {
@@ -45,6 +47,9 @@ struct DecodedFrame
     ReadStatus status = ReadStatus::Cancelled;
     QString text;
     std::function<QImage()> convert;
+    /// The decoder's own picture, where it is shown as it is stored: upright, with square pixels. Null
+    /// otherwise, and of pictures of other readers.
+    std::shared_ptr<const AVFrame> stored = nullptr;
 
     /// Converts on the calling thread.
     ReadResult Finish() const { return {status, convert ? convert() : QImage(), text}; }

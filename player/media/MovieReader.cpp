@@ -279,8 +279,11 @@ DecodedFrame MovieReader::Answer(int frame, Outcome outcome) const
     const std::shared_ptr<AVFrame> picture(av_frame_clone(mPicture.get()), LibavDeleter());
     if (!picture)
         return {ReadStatus::Broken, FrameText(frame, QStringLiteral("memory is short")), {}};
-    answer.convert = [picture, converter = mConverter, aspect = PixelAspect(*picture)]
+    const AVRational aspect = PixelAspect(*picture);
+    answer.convert = [picture, converter = mConverter, aspect]
     { return converter->Convert(*picture, aspect); };
+    if (mConverter->ShowsAsStored(*picture, aspect))
+        answer.stored = picture;
     return answer;
 }
 

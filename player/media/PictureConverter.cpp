@@ -34,36 +34,6 @@ AVPixelFormat PlainFormat(int format)
     }
 }
 
-int MatrixOf(const AVFrame& frame)
-{
-    switch (frame.colorspace)
-    {
-    case AVCOL_SPC_BT709:
-        return SWS_CS_ITU709;
-    case AVCOL_SPC_BT470BG:
-    case AVCOL_SPC_SMPTE170M:
-        return SWS_CS_ITU601;
-    case AVCOL_SPC_FCC:
-        return SWS_CS_FCC;
-    case AVCOL_SPC_SMPTE240M:
-        return SWS_CS_SMPTE240M;
-    case AVCOL_SPC_BT2020_NCL:
-    case AVCOL_SPC_BT2020_CL:
-        return SWS_CS_BT2020;
-    default:
-        // What no one wrote down follows the usage of its size.
-        return frame.height >= 720 ? SWS_CS_ITU709 : SWS_CS_ITU601;
-    }
-}
-
-bool IsFullRange(const AVFrame& frame)
-{
-    if (frame.color_range == AVCOL_RANGE_JPEG || PlainFormat(frame.format) != frame.format)
-        return true;
-    const AVPixFmtDescriptor* const descriptor = av_pix_fmt_desc_get(AVPixelFormat(frame.format));
-    return descriptor != nullptr && (descriptor->flags & AV_PIX_FMT_FLAG_RGB) != 0;
-}
-
 bool HasAlpha(int format)
 {
     const AVPixFmtDescriptor* const descriptor = av_pix_fmt_desc_get(AVPixelFormat(format));
@@ -94,6 +64,40 @@ int PictureConverter::ShownWidth(int width, AVRational pixelAspect)
         return width;
     const double shown = std::round(width * aspect);
     return shown < 1.0 || shown > 32768.0 ? width : int(shown);
+}
+
+int PictureConverter::MatrixOf(const AVFrame& frame)
+{
+    switch (frame.colorspace)
+    {
+    case AVCOL_SPC_BT709:
+        return SWS_CS_ITU709;
+    case AVCOL_SPC_BT470BG:
+    case AVCOL_SPC_SMPTE170M:
+        return SWS_CS_ITU601;
+    case AVCOL_SPC_FCC:
+        return SWS_CS_FCC;
+    case AVCOL_SPC_SMPTE240M:
+        return SWS_CS_SMPTE240M;
+    case AVCOL_SPC_BT2020_NCL:
+    case AVCOL_SPC_BT2020_CL:
+        return SWS_CS_BT2020;
+    default:
+        return frame.height >= 720 ? SWS_CS_ITU709 : SWS_CS_ITU601;
+    }
+}
+
+bool PictureConverter::IsFullRange(const AVFrame& frame)
+{
+    if (frame.color_range == AVCOL_RANGE_JPEG || PlainFormat(frame.format) != frame.format)
+        return true;
+    const AVPixFmtDescriptor* const descriptor = av_pix_fmt_desc_get(AVPixelFormat(frame.format));
+    return descriptor != nullptr && (descriptor->flags & AV_PIX_FMT_FLAG_RGB) != 0;
+}
+
+bool PictureConverter::ShowsAsStored(const AVFrame& frame, AVRational pixelAspect) const
+{
+    return mOrientation.IsUpright() && ShownWidth(frame.width, pixelAspect) == frame.width;
 }
 
 PictureConverter::Scaler PictureConverter::TakeScaler(const AVFrame& frame, int shownWidth) const

@@ -25,6 +25,12 @@ public:
 
     /// Width of a stored one of @p width at @p pixelAspect; @p width itself if that is 1, unknown or absurd.
     static int ShownWidth(int width, AVRational pixelAspect);
+    /// Whether the pixels of @p frame are shown in the places where they are stored.
+    bool ShowsAsStored(const AVFrame& frame, AVRational pixelAspect) const;
+    /// The matrix (SWS_CS_*) by which @p frame is read; what no one wrote down follows the usage of its size.
+    static int MatrixOf(const AVFrame& frame);
+    /// Whether black and white of @p frame are 0 and 255.
+    static bool IsFullRange(const AVFrame& frame);
 
 private:
     struct Scaler

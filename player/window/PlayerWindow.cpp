@@ -12,6 +12,7 @@
 #include "project/MediaLibrary.h"
 #include "project/MediaSource.h"
 #include "project/MediaTimeline.h"
+#include "sound/SoundPlayer.h"
 #include "timelines/TimelineWidget.h"
 #include "toolbars/BookmarksToolbarWidget.h"
 #include "toolbars/PlaybackControlWidget.h"
@@ -21,10 +22,16 @@
 #include "window/AnnotationBarBinding.h"
 #include "window/BookmarksBarBinding.h"
 #include "window/CommandTable.h"
+#include "window/ConsoleBinding.h"
+#include "window/EarlyLog.h"
 #include "window/MessageBar.h"
+#include "window/OutputBinding.h"
 #include "window/PanelArea.h"
 #include "window/PanelTogglesBinding.h"
 #include "window/PlainTooltips.h"
+#include "window/RecentFiles.h"
+#include "window/ScriptBinding.h"
+#include "window/SettingsBinding.h"
 #include "window/TimelineBinding.h"
 #include "window/ViewerInput.h"
 #include "window/VolumeBarBinding.h"
@@ -100,12 +107,18 @@ QLabel* MakeStatusLabel(QWidget* parent, const char* objectName)
 
 PlayerWindow::PlayerWindow(const ViewerBackEndChoice& choice)
 {
+    const EarlyLog earlyLog;
     setObjectName(QStringLiteral("playerWindow"));
     mViewer = choice.MakeViewer(this);
     CreateWidgets();
     CreateActions();
     CreateLayout();
     CreateConnections();
+    for (const EarlyLog::Message& message : EarlyLog::Messages())
+    {
+        if (message.kind == EarlyLog::Kind::Warning || message.kind == EarlyLog::Kind::Error)
+            OnLogged(message.text);
+    }
     mVolumeBar->ReadState();
     mBookmarksBar->ReadState();
     mAnnotationBar->ReadState();
@@ -122,6 +135,7 @@ PlayerWindow::PlayerWindow(const ViewerBackEndChoice& choice)
 
 PlayerWindow::~PlayerWindow()
 {
+    delete mScripts;
     // The viewers hold plain pointers to the annotations of timelines that go before them.
     ShowPicture(mViewer, -1, QImage());
 }
@@ -131,6 +145,14 @@ void PlayerWindow::CreateWidgets()
     mLoader = new FrameLoader(this);
     mPlayback = new PlaybackController(mLoader, this);
     mMedia = new MediaLibrary(mLoader, PictureFormatOf(mViewer), this);
+    mSound = new SoundPlayer(
+        [this]
+        {
+            const std::shared_ptr<ProjectTimeline>& lead = mPlayback->LeadingTimeline();
+            return lead ? AudioSegmentsOf(*lead) : std::vector<AudioSegment>();
+        },
+        this);
+    mSound->Lead(mPlayback);
     mViewer->setObjectName(QStringLiteral("viewer"));
     mViewer->setFocusPolicy(Qt::StrongFocus);
     mViewer->SetViewerLayout(static_cast<ViewerLayout>(Settings::viewerLayout));
@@ -152,9 +174,14 @@ void PlayerWindow::CreateWidgets()
         this);
     mBookmarks = new BookmarkController(mPlayback, &mUndoStack, this);
     mVolume = new VolumeState(this);
+    connect(mVolume, &VolumeState::VolumeChanged, mSound,
+            [this] { mSound->SetVolume(static_cast<float>(mVolume->Volume()) / 100.0f); });
+    connect(mVolume, &VolumeState::MutedChanged, mSound, &SoundPlayer::SetMuted);
     mPlayback->Lanes().SetPictureFormat(PictureFormatOf(mViewer));
     mInput = new ViewerInput(mViewer, mAnnotation, mPlayback, this);
     mTimelines = new TimelineBinding(mPlayback, mLoader, this, this);
+    mOutput = new OutputBinding(
+        mPlayback, mViewer, [this] { return mAnnotationsVisible; }, this);
     mTransport = new PlaybackControlWidget(this);
     mTransport->setObjectName(QStringLiteral("transport"));
     mMessages = new MessageBar(this);
@@ -166,6 +193,9 @@ void PlayerWindow::CreateWidgets()
     mBookmarksBar = new BookmarksBarBinding(mBookmarks, mCenter, this);
     mVolumeBar = new VolumeBarBinding(mVolume, mCenter, this);
     mPanelToggles = new PanelTogglesBinding(mPanels, mAnnotationBar, mCenter, this);
+    mScripts = new ScriptBinding(this);
+    mConsole = new ConsoleBinding(this, mScripts->Engine());
+    mSettings = new SettingsBinding(this);
 }
 
 void PlayerWindow::CreateActions()
@@ -176,9 +206,9 @@ void PlayerWindow::CreateActions()
         const char* name;
         QString text;
     };
-    for (const MenuRow& row :
-         {MenuRow{"file", tr("&File")}, MenuRow{"playback", tr("&Playback")}, MenuRow{"view", tr("&View")},
-          MenuRow{"annotate", tr("&Annotate")}, MenuRow{"bookmarks", tr("&Bookmarks")}})
+    for (const MenuRow& row : {MenuRow{"file", tr("&File")}, MenuRow{"playback", tr("&Playback")},
+                               MenuRow{"view", tr("&View")}, MenuRow{"annotate", tr("&Annotate")},
+                               MenuRow{"bookmarks", tr("&Bookmarks")}, MenuRow{"scripts", tr("&Scripts")}})
     {
         QMenu* const menu = menuBar()->addMenu(row.text);
         menu->setObjectName(QLatin1String(row.name) + QLatin1String("Menu"));
@@ -188,6 +218,21 @@ void PlayerWindow::CreateActions()
     mMediaMenu = menuBar()->addMenu(tr("&Media"));
     mMediaMenu->setObjectName(QStringLiteral("mediaMenu"));
     UpdateMediaMenu();
+    QMenu* const helpMenu = menuBar()->addMenu(tr("&Help"));
+    helpMenu->setObjectName(QStringLiteral("helpMenu"));
+    mCommands->FillMenu(QStringLiteral("help"), helpMenu);
+
+    auto* const fileMenu = menuBar()->findChild<QMenu*>(QStringLiteral("fileMenu"));
+    auto* const recentMenu = new QMenu(tr("Open &Recent"), fileMenu);
+    recentMenu->setObjectName(QStringLiteral("recentFilesMenu"));
+    const QList<QAction*> fileActions = fileMenu->actions();
+    fileMenu->insertMenu(
+        fileActions.value(fileActions.indexOf(mCommands->Action(QStringLiteral("file.openViewerB"))) + 1),
+        recentMenu);
+    mRecentFiles =
+        new RecentFiles(QStringLiteral("recent/files"), &Settings::numRecentFiles, recentMenu, this);
+    mConsole->AddActions(mCommands);
+    mSettings->SetProject(nullptr);
 }
 
 void PlayerWindow::CreateLayout()
@@ -267,6 +312,9 @@ void PlayerWindow::CreateConnections()
             SLOT(OnGlobalPositionChangeRequested(bool)));
     connect(mTimelines, SIGNAL(RangePositionChangeRequested(bool)), this,
             SLOT(OnRangePositionChangeRequested(bool)));
+    connect(mSettings, SIGNAL(Applied()), this, SLOT(OnSettingsChanged()));
+    connect(mSettings, SIGNAL(GhostingChanged()), this, SLOT(OnGhostingChanged()));
+    connect(mRecentFiles, SIGNAL(OpenRequested(QString)), this, SLOT(OnRecentFilePicked(QString)));
     connect(Logger::GetInstance(), SIGNAL(ErrorLogged(QString)), this, SLOT(OnLogged(QString)));
     connect(Logger::GetInstance(), SIGNAL(WarningLogged(QString)), this, SLOT(OnLogged(QString)));
 }
@@ -347,6 +395,36 @@ PanelArea* PlayerWindow::Panels() const
     return mPanels;
 }
 
+OutputBinding* PlayerWindow::Output() const
+{
+    return mOutput;
+}
+
+ConsoleBinding* PlayerWindow::Console() const
+{
+    return mConsole;
+}
+
+SettingsBinding* PlayerWindow::Preferences() const
+{
+    return mSettings;
+}
+
+ScriptBinding* PlayerWindow::Scripts() const
+{
+    return mScripts;
+}
+
+QPointF PlayerWindow::Pan() const
+{
+    return mPan;
+}
+
+float PlayerWindow::Zoom() const
+{
+    return mZoom;
+}
+
 void PlayerWindow::UpdateTitle()
 {
     QStringList names;
@@ -410,8 +488,7 @@ void PlayerWindow::dropEvent(QDropEvent* event)
     if (paths.isEmpty())
         return;
     event->acceptProposedAction();
-    mMessages->Clear();
-    OpenFiles(paths, mAnnotation->Strokes()->ViewerAt(mapToGlobal(event->pos())));
+    OpenForUser(paths, mAnnotation->Strokes()->ViewerAt(mapToGlobal(event->pos())));
 }
 
 void PlayerWindow::keyPressEvent(QKeyEvent* event)
@@ -424,8 +501,19 @@ void PlayerWindow::keyPressEvent(QKeyEvent* event)
 
 void PlayerWindow::closeEvent(QCloseEvent* event)
 {
+    if (!mOutput->MayClose())
+    {
+        event->ignore();
+        return;
+    }
     mPlayback->Pause();
     mAnnotation->EndEdits();
+    if (!mSettings->MayClose(!mUndoStack.isClean()))
+    {
+        event->ignore();
+        return;
+    }
+    mConsole->Close();
     mAnnotationBar->WriteState();
     mBookmarksBar->WriteState();
     mVolumeBar->WriteState();

@@ -23,9 +23,11 @@ class AnnotationStore;
 class BookmarkController;
 class BookmarksBarBinding;
 class CommandTable;
+class ConsoleBinding;
 class FrameLoader;
 class MediaLibrary;
 class MessageBar;
+class OutputBinding;
 class PanelArea;
 class PanelTogglesBinding;
 class PlaybackControlWidget;
@@ -33,7 +35,11 @@ class PlaybackController;
 class QLabel;
 class QMenu;
 class ProjectTimeline;
+class RecentFiles;
 class QVBoxLayout;
+class SoundPlayer;
+class ScriptBinding;
+class SettingsBinding;
 class StrokeController;
 class TimelineBinding;
 class ViewerInput;
@@ -63,9 +69,23 @@ public:
     ViewerWidget* Viewer() const;
     MediaLibrary* Media() const;
     StrokeController* Strokes() const;
+    ScriptBinding* Scripts() const;
+    ConsoleBinding* Console() const;
+    /// Preferences, project settings, about box.
+    SettingsBinding* Preferences() const;
+    /// How the viewers are panned and zoomed, in ViewerWidget::SetPanAndZoom()'s terms.
+    QPointF Pan() const;
+    float Zoom() const;
+    void SetPanAndZoom(const QPointF& pan, float zoom);
+    void SetActiveViewer(int viewer);
+    /// Whether every viewer shows what it is to show, and nothing is being opened.
+    bool IsSettled() const;
+    /// Has the window act on settings that have changed.
+    void OnSettingsChanged();
     AnnotationController* Annotation() const;
     /// How loud it is to be.
     VolumeState* Volume() const;
+    OutputBinding* Output() const;
     /// The places of the panels round the viewers.
     PanelArea* Panels() const;
 
@@ -86,6 +106,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private Q_SLOTS:
+    void OnRecentFilePicked(const QString& path);
     void OnMediaOpened(int index, int viewer);
     void OnMediaFailed(const QString& text);
     void OnFrameFailed(int media, int frame, const QString& text);
@@ -119,6 +140,8 @@ private:
     void AddViewCommands(std::vector<Command>& commands);
 
     void OpenFromDialog(int viewer);
+    /// Opens @p paths as the user asks: in viewer @p viewer, or in a player of their own.
+    void OpenForUser(const QStringList& paths, int viewer);
     void ShowEntry(int index, int viewer);
     void ShowNeighbourEntry(int step);
     void UpdateMediaMenu();
@@ -129,7 +152,6 @@ private:
     void ShowChange(const ProjectTimeline* timeline, int frame);
     void ZoomBy(float factor);
     void SetZoom(float zoom);
-    void SetActiveViewer(int viewer);
     void EmitIfSettled();
     void ArrangeTimelines();
     void StepSeconds(int seconds);
@@ -137,6 +159,7 @@ private:
     FrameLoader* mLoader = nullptr;
     PlaybackController* mPlayback = nullptr;
     MediaLibrary* mMedia = nullptr;
+    SoundPlayer* mSound = nullptr;
     QUndoStack mUndoStack;
     ViewerWidget* mViewer = nullptr;
     AnnotationController* mAnnotation = nullptr;
@@ -145,6 +168,7 @@ private:
     OverlayPresenter mOverlays;
     ViewerInput* mInput = nullptr;
     TimelineBinding* mTimelines = nullptr;
+    OutputBinding* mOutput = nullptr;
     PlaybackControlWidget* mTransport = nullptr;
     AnnotationBarBinding* mAnnotationBar = nullptr;
     BookmarksBarBinding* mBookmarksBar = nullptr;
@@ -156,6 +180,10 @@ private:
     PanelArea* mPanels = nullptr;
     CommandTable* mCommands = nullptr;
     MessageBar* mMessages = nullptr;
+    ScriptBinding* mScripts = nullptr;
+    ConsoleBinding* mConsole = nullptr;
+    SettingsBinding* mSettings = nullptr;
+    RecentFiles* mRecentFiles = nullptr;
     QMenu* mMediaMenu = nullptr;
     QLabel* mMediaLabel = nullptr;
     QLabel* mToolLabel = nullptr;

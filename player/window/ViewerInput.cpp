@@ -4,10 +4,13 @@
 #include "annotation/AnnotationController.h"
 #include "host/Settings.h"
 #include "playback/PlaybackController.h"
+#include "project/ProjectTimeline.h"
 #include "viewers/ViewerWidget.h"
 
 #include <QApplication>
+#include <QCursor>
 #include <QMouseEvent>
+#include <QScreen>
 
 #include <algorithm>
 
@@ -97,6 +100,7 @@ void ViewerInput::OnScrubStateChanged(bool enabled)
     {
         mPressFrame = mPlayback->CurrentFrame();
         mScrubMoved = false;
+        mWrappedTo.reset();
     }
     mScrubbing = enabled;
     mPlayback->SetScrubbing(enabled);
@@ -104,6 +108,11 @@ void ViewerInput::OnScrubStateChanged(bool enabled)
 
 void ViewerInput::Scrub(const QPoint& globalPos)
 {
+    // Moves from before the cursor was put elsewhere are still on their way.
+    const QScreen* const screen = QGuiApplication::screenAt(globalPos);
+    if (mWrappedTo && screen && std::abs(globalPos.x() - *mWrappedTo) > screen->geometry().width() / 2)
+        return;
+    mWrappedTo.reset();
     const int distance = globalPos.x() - mPressPos.x();
     // A click is no scrub: the hand may tremble.
     if (!mScrubMoved && std::abs(distance) < QApplication::startDragDistance())
@@ -113,6 +122,29 @@ void ViewerInput::Scrub(const QPoint& globalPos)
     const double length = range.last - range.first + 1;
     const double framesPerPixel = std::max(1.0 / PixelsPerFrame, length / std::max(mViewer->width(), 1));
     const int frame = range.Clamp(mPressFrame + static_cast<int64_t>(distance * framesPerPixel));
-    if (frame != mPlayback->CurrentFrame())
-        mPlayback->SeekFrame(frame);
+    const auto& lead = mPlayback->LeadingTimeline();
+    if (lead && frame != mPlayback->CurrentFrame())
+        mPlayback->SeekTime(lead->FrameToTime(frame) + Settings::ROUNDING_ERROR_EXTRA_TIME,
+                            Settings::audioScrub);
+    if (Settings::endlessMouseScurb)
+        WrapCursor(globalPos);
+}
+
+void ViewerInput::WrapCursor(const QPoint& globalPos)
+{
+    const QScreen* const screen = QGuiApplication::screenAt(globalPos);
+    if (!screen)
+        return;
+    const QRect area = screen->geometry();
+    int x = globalPos.x();
+    if (x <= area.left())
+        x = area.right() - 1;
+    else if (x >= area.right())
+        x = area.left() + 1;
+    else
+        return;
+    // The way that the hand has gone stays as long as it is.
+    mPressPos.rx() += x - globalPos.x();
+    mWrappedTo = x;
+    QCursor::setPos(x, globalPos.y());
 }
