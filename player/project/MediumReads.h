@@ -25,11 +25,14 @@ public:
     MediumReads(FrameLoader* loader, QImage::Format pictureFormat, QObject* parent);
 
     /// Reads the medium at @p path, pictures of a sequence counted at @p sequenceRate a second. Returns a
-    /// number for Cancel(). @p done is called later, never from within.
-    int Read(const QString& path, double sequenceRate, Done done);
+    /// number for Cancel(). @p done is called later, never from within. With @p keepOpen the medium stays
+    /// open in the loader under that number, and is the caller's from then on.
+    int Read(const QString& path, double sequenceRate, Done done, bool keepOpen = false);
     /// Ends a read; it is not called done.
     void Cancel(int number);
     void CancelAll();
+    /// Closes a medium that was kept open.
+    void Close(int number);
     bool IsReading() const;
 
 private Q_SLOTS:
@@ -43,6 +46,7 @@ private:
         QString path;
         double sequenceRate = 0.0;
         Done done;
+        bool keepOpen = false;
         bool started = false;
     };
 

@@ -80,8 +80,6 @@ public:
     void SetActiveViewer(int viewer);
     /// Whether every viewer shows what it is to show, and nothing is being opened.
     bool IsSettled() const;
-    /// Has the window act on settings that have changed.
-    void OnSettingsChanged();
     AnnotationController* Annotation() const;
     /// How loud it is to be.
     VolumeState* Volume() const;
@@ -90,6 +88,8 @@ public:
     PanelArea* Panels() const;
 
 public Q_SLOTS:
+    /// Has the window act on settings that have changed.
+    void OnSettingsChanged();
     /// Shows the viewers in @p layout, a ViewerLayout value.
     void SetLayout(int layout);
     /// Brings the bars in line with the settings, after these changed.
