@@ -270,6 +270,9 @@ void PlayerWindow::CreateLayout()
 
 void PlayerWindow::CreateConnections()
 {
+    // Directly, since what is dropped is read during the signal.
+    connect(mViewer, SIGNAL(ViewerDropEvent(QDropEvent*, int)), this, SLOT(OnViewerDropped(QDropEvent*, int)),
+            Qt::DirectConnection);
     connect(mMedia, SIGNAL(Opened(int, int)), this, SLOT(OnMediaOpened(int, int)));
     connect(mMedia, SIGNAL(Failed(QString)), this, SLOT(OnMediaFailed(QString)));
     connect(mPlayback, SIGNAL(PictureReady(int, int, const ReadResult&)), this,
@@ -489,6 +492,13 @@ void PlayerWindow::dropEvent(QDropEvent* event)
         return;
     event->acceptProposedAction();
     OpenForUser(paths, mAnnotation->Strokes()->ViewerAt(mapToGlobal(event->pos())));
+}
+
+void PlayerWindow::OnViewerDropped(QDropEvent* event, int viewer)
+{
+    const QStringList paths = LocalFiles(event->mimeData());
+    if (!paths.isEmpty())
+        OpenForUser(paths, viewer);
 }
 
 void PlayerWindow::keyPressEvent(QKeyEvent* event)

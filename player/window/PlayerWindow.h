@@ -106,6 +106,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private Q_SLOTS:
+    void OnViewerDropped(QDropEvent* event, int viewer);
     void OnRecentFilePicked(const QString& path);
     void OnMediaOpened(int index, int viewer);
     void OnMediaFailed(const QString& text);
