@@ -15,6 +15,7 @@
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QScrollBar>
@@ -56,6 +57,10 @@ ProjectPanelBinding::ProjectPanelBinding(Project* project, ViewerWidget* viewer,
     layout->setSpacing(0);
     mView = new ProjectView(panel);
     mView->setObjectName(QStringLiteral("projectView"));
+    // Names take what the columns of viewer and default leave, however wide the panel is.
+    Tree()->header()->setStretchLastSection(false);
+    Tree()->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    Tree()->setColumnHidden(3, true);
     mProgress = new ImportProgress(panel);
     layout->addWidget(mView);
     layout->addWidget(mProgress);
