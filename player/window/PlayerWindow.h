@@ -83,8 +83,6 @@ public:
     void SetActiveViewer(int viewer);
     /// Whether every viewer shows what it is to show, and nothing is being opened.
     bool IsSettled() const;
-    /// Has the window act on settings that have changed.
-    void OnSettingsChanged();
     AnnotationController* Annotation() const;
     /// How loud it is to be.
     VolumeState* Volume() const;
@@ -97,6 +95,8 @@ public Q_SLOTS:
     void SetLayout(int layout);
     /// Brings the bars in line with the settings, after these changed.
     void SyncBars();
+    /// Has the window act on settings that have changed.
+    void OnSettingsChanged();
 
 Q_SIGNALS:
     /// Every viewer that is to show a picture shows the one that it is to show, and nothing is being opened.
