@@ -91,6 +91,8 @@ public:
     PanelArea* Panels() const;
 
 public Q_SLOTS:
+    /// Has the window act on settings that have changed.
+    void OnSettingsChanged();
     /// Shows the viewers in @p layout, a ViewerLayout value.
     void SetLayout(int layout);
     /// Brings the bars in line with the settings, after these changed.
