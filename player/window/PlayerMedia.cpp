@@ -121,6 +121,16 @@ void PlayerWindow::ShowEntry(int index, int viewer)
     }
 }
 
+void PlayerWindow::ShowTimeline(const std::shared_ptr<ProjectTimeline>& timeline, int viewer)
+{
+    const std::vector<MediaLibrary::Entry>& entries = mMedia->Entries();
+    const auto found =
+        std::find_if(entries.begin(), entries.end(),
+                     [&](const MediaLibrary::Entry& entry) { return entry.timeline == timeline; });
+    if (found != entries.end())
+        ShowEntry(static_cast<int>(found - entries.begin()), viewer);
+}
+
 void PlayerWindow::DrawDemoWhenReady()
 {
     mDemoDrawing = true;

@@ -179,7 +179,7 @@ void PlayerWindow::OnPanZoomChangeRequested(QPointF panInterpolation, float zoom
     mZoom = zoom;
     mViewer->SetPanAndZoom(panInterpolation, zoom, enabled);
     RefreshViewers();
-    mAnnotation->Text()->PlaceCaret();
+    mAnnotation->Text()->FollowPicture();
     UpdateStatus();
 }
 

@@ -28,7 +28,6 @@
 #include "window/OutputBinding.h"
 #include "window/PanelArea.h"
 #include "window/PanelTogglesBinding.h"
-#include "window/PlainTooltips.h"
 #include "window/RecentFiles.h"
 #include "window/ScriptBinding.h"
 #include "window/SettingsBinding.h"
@@ -136,6 +135,10 @@ PlayerWindow::PlayerWindow(const ViewerBackEndChoice& choice)
 PlayerWindow::~PlayerWindow()
 {
     delete mScripts;
+    // While all is there that hears of it: a text ends as the viewer loses the focus, and drawing with the
+    // tools.
+    mAnnotation->EndEdits();
+    hide();
     // The viewers hold plain pointers to the annotations of timelines that go before them.
     ShowPicture(mViewer, -1, QImage());
 }
@@ -185,7 +188,6 @@ void PlayerWindow::CreateWidgets()
     mTransport = new PlaybackControlWidget(this);
     mTransport->setObjectName(QStringLiteral("transport"));
     mMessages = new MessageBar(this);
-    new PlainTooltips(this);
     mCenter = new QWidget(this);
     mViewerRow = new QWidget(mCenter);
     mPanels = new PanelArea(mCenter, this);
@@ -306,7 +308,16 @@ void PlayerWindow::CreateConnections()
     connect(mAnnotationBar, SIGNAL(ClearFrameRequested(bool)), this, SLOT(ClearFrame(bool)));
     connect(mVolumeBar, SIGNAL(LayoutRequested(int)), this, SLOT(SetLayout(int)));
     connect(mCommands, SIGNAL(CommandRun()), this, SLOT(SyncBars()));
+    connect(mAnnotationBar, SIGNAL(ToolChanged()), mCommands, SLOT(UpdateSwitches()));
+    connect(mAnnotationBar, SIGNAL(GhostingChanged()), mCommands, SLOT(UpdateSwitches()));
+    connect(mVolumeBar, SIGNAL(LoopChanged()), mCommands, SLOT(UpdateSwitches()));
+    connect(mVolume, SIGNAL(MutedChanged(bool)), mCommands, SLOT(UpdateSwitches()));
+    connect(mPanels, SIGNAL(VisibilityChanged(QString, bool)), mCommands, SLOT(UpdateSwitches()));
     connect(mCommands, SIGNAL(KeysChanged()), this, SLOT(OnKeysChanged()));
+    connect(mScripts, SIGNAL(DrawingsChanged(AnnotationStore*, int, bool)), this,
+            SLOT(OnDrawingsChanged(AnnotationStore*, int, bool)));
+    connect(mScripts, SIGNAL(BookmarksChanged(ProjectTimeline*, int, bool)), this,
+            SLOT(OnBookmarksChanged(ProjectTimeline*, int, bool)));
     connect(mLoader, SIGNAL(FrameFailed(int, int, QString)), this, SLOT(OnFrameFailed(int, int, QString)));
     connect(mTimelines, SIGNAL(GlobalPositionChangeRequested(bool)), this,
             SLOT(OnGlobalPositionChangeRequested(bool)));
@@ -395,11 +406,6 @@ PanelArea* PlayerWindow::Panels() const
     return mPanels;
 }
 
-OutputBinding* PlayerWindow::Output() const
-{
-    return mOutput;
-}
-
 ConsoleBinding* PlayerWindow::Console() const
 {
     return mConsole;
@@ -415,6 +421,11 @@ ScriptBinding* PlayerWindow::Scripts() const
     return mScripts;
 }
 
+QUndoStack* PlayerWindow::UndoStack()
+{
+    return &mUndoStack;
+}
+
 QPointF PlayerWindow::Pan() const
 {
     return mPan;
@@ -423,6 +434,11 @@ QPointF PlayerWindow::Pan() const
 float PlayerWindow::Zoom() const
 {
     return mZoom;
+}
+
+OutputBinding* PlayerWindow::Output() const
+{
+    return mOutput;
 }
 
 void PlayerWindow::UpdateTitle()

@@ -37,8 +37,8 @@ class QMenu;
 class ProjectTimeline;
 class RecentFiles;
 class QVBoxLayout;
-class SoundPlayer;
 class ScriptBinding;
+class SoundPlayer;
 class SettingsBinding;
 class StrokeController;
 class TimelineBinding;
@@ -70,6 +70,9 @@ public:
     MediaLibrary* Media() const;
     StrokeController* Strokes() const;
     ScriptBinding* Scripts() const;
+    QUndoStack* UndoStack();
+    /// Shows @p timeline, one of the media's, in viewer @p viewer.
+    void ShowTimeline(const std::shared_ptr<ProjectTimeline>& timeline, int viewer);
     ConsoleBinding* Console() const;
     /// Preferences, project settings, about box.
     SettingsBinding* Preferences() const;
