@@ -517,14 +517,10 @@ void PlayerWindow::keyPressEvent(QKeyEvent* event)
 
 void PlayerWindow::closeEvent(QCloseEvent* event)
 {
-    if (!mOutput->MayClose())
-    {
-        event->ignore();
-        return;
-    }
     mPlayback->Pause();
     mAnnotation->EndEdits();
-    if (!mSettings->MayClose(!mUndoStack.isClean()))
+    // An export is stopped only when nothing else keeps the window open.
+    if (!mSettings->MayClose(!mUndoStack.isClean()) || !mOutput->MayClose())
     {
         event->ignore();
         return;
