@@ -6,16 +6,18 @@
 #include "host/Logger.h"
 #include "host/Settings.h"
 #include "project/BookmarkCommands.h"
-#include "project/MediaLibrary.h"
 #include "project/MediaTimeline.h"
+#include "project/Project.h"
 #include "scripting/CommandPort.h"
 #include "scripting/ScriptEngine.h"
 #include "window/PlayerWindow.h"
+#include "window/ProjectBinding.h"
 #include "window/ViewerBackEndChoice.h"
 
 #include <QApplication>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QUndoStack>
 
 ScriptBinding::ScriptBinding(PlayerWindow* window)
     : QObject(window), mWindow(window), mEngine(new ScriptEngine(this, this))
@@ -125,31 +127,27 @@ QImage ScriptBinding::WindowPicture()
 
 QList<std::shared_ptr<ProjectTimeline>> ScriptBinding::Timelines()
 {
-    QList<std::shared_ptr<ProjectTimeline>> timelines;
-    for (const MediaLibrary::Entry& entry : mWindow->Media()->Entries())
-        timelines << entry.timeline;
-    return timelines;
+    return mWindow->GetProject()->Timelines(true) + mWindow->GetProject()->Timelines(false);
 }
 
 std::shared_ptr<const ScriptHost::Opening> ScriptBinding::Open(const QString& path, int viewer)
 {
     const auto opening = std::make_shared<Opening>();
     const QString absolute = QFileInfo(path).absoluteFilePath();
-    MediaLibrary* const media = mWindow->Media();
+    ProjectBinding* const projects = mWindow->Projects();
     auto* const listener = new QObject(this);
     const auto finish = [opening, listener](const QUuid& timeline, const QString& error)
     {
         *opening = Opening{true, timeline, error};
         listener->deleteLater();
     };
-    connect(media, &MediaLibrary::Opened, listener,
-            [media, absolute, finish](int index, int)
+    connect(projects, &ProjectBinding::MediumOpened, listener,
+            [this, absolute, finish](const std::shared_ptr<ProjectTimeline>& timeline)
             {
-                const MediaLibrary::Entry& entry = media->Entries()[static_cast<size_t>(index)];
-                if (entry.path == absolute)
-                    finish(entry.timeline->GetID(), QString());
+                if (mWindow->GetProject()->FindSourceByPath(absolute) == timeline)
+                    finish(timeline->GetID(), QString());
             });
-    connect(media, &MediaLibrary::Failed, listener,
+    connect(projects, &ProjectBinding::OpenFailed, listener,
             [absolute, finish](const QString& text)
             {
                 if (text.contains(absolute))
