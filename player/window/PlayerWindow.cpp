@@ -456,11 +456,6 @@ ScriptBinding* PlayerWindow::Scripts() const
     return mScripts;
 }
 
-QUndoStack* PlayerWindow::UndoStack()
-{
-    return mProject->UndoStack();
-}
-
 QPointF PlayerWindow::Pan() const
 {
     return mPan;

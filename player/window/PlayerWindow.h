@@ -78,8 +78,6 @@ public:
     void ShowTimeline(const std::shared_ptr<ProjectTimeline>& timeline, int viewer);
     StrokeController* Strokes() const;
     ScriptBinding* Scripts() const;
-    /// The project's.
-    QUndoStack* UndoStack();
     ConsoleBinding* Console() const;
     /// Preferences, project settings, about box.
     SettingsBinding* Preferences() const;
@@ -98,8 +96,6 @@ public:
     PanelArea* Panels() const;
 
 public Q_SLOTS:
-    /// Has the window act on settings that have changed.
-    void OnSettingsChanged();
     /// Shows the viewers in @p layout, a ViewerLayout value.
     void SetLayout(int layout);
     /// Brings the bars in line with the settings, after these changed.
