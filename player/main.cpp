@@ -6,6 +6,7 @@
 #include "window/EarlyLog.h"
 #include "window/PlayThrough.h"
 #include "window/PlayerWindow.h"
+#include "window/ProjectBinding.h"
 #include "window/ScriptBinding.h"
 #include "window/StandardLog.h"
 #include "window/ViewerBackEndChoice.h"
@@ -142,9 +143,10 @@ int main(int argc, char** argv)
     const QCommandLineOption script = Option(
         "script", "Runs the Python script SCRIPT, with the FILEs as its arguments, and quits.", "SCRIPT");
     parser.addOptions({viewerB, layout, play, demo, screenshot, playThrough, size, openGL, software, script});
-    parser.addPositionalArgument(QStringLiteral("FILE"),
-                                 QCoreApplication::translate("main", "Movies or files of image sequences."),
-                                 QStringLiteral("[FILE…]"));
+    parser.addPositionalArgument(
+        QStringLiteral("FILE"),
+        QCoreApplication::translate("main", "Movies, files of image sequences, or a project."),
+        QStringLiteral("[FILE…]"));
     parser.process(application);
 
     ViewerType wanted = ViewerBackEndChoice::BySettings().type;
@@ -170,6 +172,9 @@ int main(int argc, char** argv)
         window->DrawDemoWhenReady();
     if (parser.isSet(screenshot))
         TakeScreenshot(window.get(), parser.value(screenshot));
+    // A picture is taken of what is asked for alone, and nobody answers a script's questions.
+    if (!parser.isSet(screenshot) && !parser.isSet(script))
+        window->Projects()->OfferRecovery();
     if (parser.isSet(script))
         window->Scripts()->RunAndQuit(parser.value(script), parser.positionalArguments());
     else if (!parser.positionalArguments().isEmpty())

@@ -8,11 +8,16 @@
 
 #include <QAction>
 #include <QCoreApplication>
+#include <QGuiApplication>
+#include <QScreen>
 
 namespace
 {
 
 constexpr QSize ConsoleInitialSize(760, 420);
+/// Room for what a window system puts round a window.
+constexpr int WindowFrame = 8;
+constexpr int TitleBar = 40;
 
 } // namespace
 
@@ -21,6 +26,10 @@ ConsoleBinding::ConsoleBinding(QWidget* window, ScriptEngine* engine)
 {
     mConsole->setObjectName(QStringLiteral("console"));
     mConsole->resize(ConsoleInitialSize);
+    // Until the user has put it elsewhere, away from the picture: it comes forward by itself.
+    const QRect room = QGuiApplication::primaryScreen()->availableGeometry();
+    mConsole->move(room.bottomRight() -
+                   QPoint(mConsole->width() + WindowFrame, mConsole->height() + TitleBar));
     connect(mConsole, SIGNAL(ScriptExecuted(QString)), engine, SLOT(Execute(QString)));
     for (const EarlyLog::Message& message : EarlyLog::Messages())
     {
