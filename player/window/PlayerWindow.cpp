@@ -290,6 +290,9 @@ void PlayerWindow::CreateLayout()
 
 void PlayerWindow::CreateConnections()
 {
+    // Directly, since what is dropped is read during the signal.
+    connect(mViewer, SIGNAL(ViewerDropEvent(QDropEvent*, int)), this, SLOT(OnViewerDropped(QDropEvent*, int)),
+            Qt::DirectConnection);
     connect(mProjects, &ProjectBinding::MediumOpened, this, &PlayerWindow::OnMediumOpened);
     connect(mProjects, &ProjectBinding::ShowRequested, this, &PlayerWindow::OnShowRequested);
     connect(mProjects, SIGNAL(Updated()), this, SLOT(OnProjectUpdated()));
@@ -534,6 +537,13 @@ void PlayerWindow::dropEvent(QDropEvent* event)
         return;
     event->acceptProposedAction();
     OpenForUser(paths, mAnnotation->Strokes()->ViewerAt(mapToGlobal(event->pos())));
+}
+
+void PlayerWindow::OnViewerDropped(QDropEvent* event, int viewer)
+{
+    const QStringList paths = LocalFiles(event->mimeData());
+    if (!paths.isEmpty())
+        OpenForUser(paths, viewer);
 }
 
 void PlayerWindow::keyPressEvent(QKeyEvent* event)

@@ -114,6 +114,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private Q_SLOTS:
+    void OnViewerDropped(QDropEvent* event, int viewer);
     void OnRecentFilePicked(const QString& path);
     void OnMediumOpened(const std::shared_ptr<ProjectTimeline>& timeline);
     void OnShowRequested(const std::shared_ptr<ProjectTimeline>& timeline, int viewer);
