@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "media/MediaInfo.h"
+#include "media/FrameLoader.h"
 
 #include <QImage>
 #include <QObject>
+#include <QPointer>
 #include <QString>
 
 #include <functional>
 #include <map>
-
-class FrameLoader;
 
 /// Finds out what media are, a few at a time, on the threads of a frame loader, and closes them again.
 class MediumReads : public QObject
@@ -53,7 +52,7 @@ private:
     void Finish(int number, const MediaInfo* info, const QString& error);
     void StartLater();
 
-    FrameLoader* mLoader;
+    QPointer<FrameLoader> mLoader;
     QImage::Format mPictureFormat;
     /// In the order of asking.
     std::map<int, Pending> mPending;

@@ -72,7 +72,10 @@ void SoundFeed::CopyOut(int64_t position, float* stereo, int frames) const
 void SoundFeed::BeginRamp(const Frame& next)
 {
     for (size_t side = 0; side < 2; ++side)
-        mRampStep[side] = (mLast[side] - next[side]) / static_cast<float>(RampFrames);
+    {
+        const float to = std::isnan(next[side]) ? 0.0f : std::clamp(next[side], -1.0f, 1.0f);
+        mRampStep[side] = (mLast[side] - to) / static_cast<float>(RampFrames);
+    }
     mRampLeft = RampFrames;
 }
 
@@ -88,7 +91,8 @@ void SoundFeed::FinishFrames(float* stereo, int begin, int end)
             sample = sample * mLevel;
             if (mRampLeft > 0)
                 sample += mRampStep[side] * static_cast<float>(mRampLeft);
-            sample = std::clamp(sample, -1.0f, 1.0f);
+            // A sample that is no number, as a damaged file may have it, is silence.
+            sample = std::isnan(sample) ? 0.0f : std::clamp(sample, -1.0f, 1.0f);
             mLast[side] = sample;
         }
         mRampLeft -= mRampLeft > 0 ? 1 : 0;

@@ -1,15 +1,24 @@
 // SPDX-License-Identifier: MIT
 #include "window/ScriptBinding.h"
 
+#include "annotation/AnnotationController.h"
+#include "annotation/SetDrawingsCommand.h"
 #include "host/Logger.h"
 #include "host/Settings.h"
+#include "project/BookmarkCommands.h"
+#include "project/MediaTimeline.h"
+#include "project/Project.h"
+#include "project/ProjectImport.h"
 #include "scripting/CommandPort.h"
 #include "scripting/ScriptEngine.h"
 #include "window/PlayerWindow.h"
+#include "window/ProjectBinding.h"
 #include "window/ViewerBackEndChoice.h"
 
 #include <QApplication>
 #include <QFileDialog>
+#include <QFileInfo>
+#include <QUndoStack>
 
 ScriptBinding::ScriptBinding(PlayerWindow* window)
     : QObject(window), mWindow(window), mEngine(new ScriptEngine(this, this))
@@ -115,6 +124,79 @@ void ScriptBinding::SetPanAndZoom(const QPointF& pan, float zoom)
 QImage ScriptBinding::WindowPicture()
 {
     return GrabWindow(mWindow).toImage();
+}
+
+Project* ScriptBinding::GetProject()
+{
+    return mWindow->GetProject();
+}
+
+std::shared_ptr<const ScriptHost::Opening> ScriptBinding::Open(const QString& path, int viewer)
+{
+    const auto opening = std::make_shared<Opening>();
+    ProjectImport* const import =
+        mWindow->GetProject()->Import({QFileInfo(path).absoluteFilePath()}, QUuid(), QList<int>(), true);
+    connect(import, &ProjectImport::Finished, this,
+            [this, opening, path, viewer](const ProjectImport::Result& result)
+            {
+                opening->done = true;
+                if (result.sources.isEmpty())
+                {
+                    opening->error = result.errors.isEmpty() ? tr("%1 holds no media").arg(path)
+                                                             : result.errors.join(QLatin1Char('\n'));
+                    return;
+                }
+                opening->timeline = result.sources.first();
+                if (viewer >= 0)
+                    mWindow->ShowTimeline(mWindow->GetProject()->FindTimeline(opening->timeline), viewer);
+            });
+    return opening;
+}
+
+void ScriptBinding::ShowTimeline(const std::shared_ptr<ProjectTimeline>& timeline, int viewer)
+{
+    mWindow->ShowTimeline(timeline, viewer);
+}
+
+void ScriptBinding::SetDrawings(const std::shared_ptr<ProjectTimeline>& timeline, int frame,
+                                const QList<DrawData>& drawings, const QString& text)
+{
+    mWindow->Annotation()->EndEdits();
+    mWindow->GetProject()->UndoStack()->push(new SetDrawingsCommand(
+        text, timeline->Annotations(), frame, timeline->Annotations()->Drawings(frame), drawings,
+        [this](AnnotationStore* store, int changed, bool replayed)
+        { Q_EMIT DrawingsChanged(store, changed, replayed); }));
+}
+
+void ScriptBinding::MarkFrame(const std::shared_ptr<ProjectTimeline>& timeline, int frame, bool marked)
+{
+    mWindow->GetProject()->UndoStack()->push(new MarkFrameCommand(
+        marked ? tr("Add Bookmark by Script") : tr("Remove Bookmark by Script"), timeline, frame, marked,
+        [this](ProjectTimeline* changed, int changedFrame, bool replayed)
+        { Q_EMIT BookmarksChanged(changed, changedFrame, replayed); }));
+}
+
+void ScriptBinding::MarkRange(const std::shared_ptr<ProjectTimeline>& timeline, const RangeBookmark& range,
+                              bool marked)
+{
+    mWindow->GetProject()->UndoStack()->push(new MarkRangeCommand(
+        marked ? tr("Add Bookmark by Script") : tr("Remove Bookmark by Script"), timeline, range, marked,
+        [this](ProjectTimeline* changed, int changedFrame, bool replayed)
+        { Q_EMIT BookmarksChanged(changed, changedFrame, replayed); }));
+}
+
+bool ScriptBinding::Undo()
+{
+    const bool can = mWindow->GetProject()->UndoStack()->canUndo();
+    mWindow->Annotation()->Undo();
+    return can;
+}
+
+bool ScriptBinding::Redo()
+{
+    const bool can = mWindow->GetProject()->UndoStack()->canRedo();
+    mWindow->Annotation()->Redo();
+    return can;
 }
 
 void ScriptBinding::ApplySetting(const QString& name)

@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QStringList>
 
+class AnnotationStore;
 class CommandPort;
 class PlayerWindow;
 class ScriptEngine;
@@ -39,7 +40,23 @@ public:
     float Zoom() override;
     void SetPanAndZoom(const QPointF& pan, float zoom) override;
     QImage WindowPicture() override;
+    Project* GetProject() override;
+    std::shared_ptr<const Opening> Open(const QString& path, int viewer) override;
+    void ShowTimeline(const std::shared_ptr<ProjectTimeline>& timeline, int viewer) override;
+    void SetDrawings(const std::shared_ptr<ProjectTimeline>& timeline, int frame,
+                     const QList<DrawData>& drawings, const QString& text) override;
+    void MarkFrame(const std::shared_ptr<ProjectTimeline>& timeline, int frame, bool marked) override;
+    void MarkRange(const std::shared_ptr<ProjectTimeline>& timeline, const RangeBookmark& range,
+                   bool marked) override;
+    bool Undo() override;
+    bool Redo() override;
     void ApplySetting(const QString& name) override;
+
+Q_SIGNALS:
+    /// A script, or undo or redo of what one did (@p replayed), changed the drawings of @p frame in @p store.
+    void DrawingsChanged(AnnotationStore* store, int frame, bool replayed);
+    /// The same of the bookmarks of @p timeline at @p frame.
+    void BookmarksChanged(ProjectTimeline* timeline, int frame, bool replayed);
 
 private:
     PlayerWindow* mWindow;

@@ -77,6 +77,10 @@ PYBIND11_MODULE(torvalen, module)
     ScriptModule::AddCommands(module);
     ScriptModule::AddPlayback(module);
     ScriptModule::AddViewers(module);
+    ScriptModule::AddTimelines(module);
+    ScriptModule::AddBookmarks(module);
+    ScriptModule::AddAnnotations(module);
+    ScriptModule::AddOutput(module);
     ScriptModule::AddSettings(module);
     ScriptModule::AddLog(module);
 }

@@ -7,12 +7,15 @@
 #include "scripting/ScriptChannel.h"
 #include "scripting/module/QStringCaster.h"
 
+#include <QUuid>
+
 #include <exception>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <type_traits>
 
+class ProjectTimeline;
 class ScriptHost;
 
 /// The module "torvalen", as Python asks for it.
@@ -74,15 +77,32 @@ auto OnGui(Function function)
         return std::move(*state->result);
 }
 
+/// A timeline, or another object of the project, as scripts hold it: by its id, so that it may have gone.
+struct ObjectHandle
+{
+    QUuid id;
+};
+
+/// On the GUI thread: the timeline that @p handle names, or the one that leads without any. Throws where
+/// there is none.
+std::shared_ptr<ProjectTimeline> TimelineFor(ScriptHost& host, const std::optional<ObjectHandle>& handle);
+/// On the GUI thread: @p frame, or the frame under the playhead of @p timeline without any. Throws where the
+/// timeline has no such frame.
+int FrameFor(ScriptHost& host, ProjectTimeline& timeline, std::optional<int> frame);
+
 /// Turns a viewer's name, "A" or "B", into its number (0 or 1).
 int ViewerNumber(const QString& name);
 QString ViewerName(int viewer);
 
 // The parts
 
+void AddTimelines(pybind11::module_& module);
+void AddBookmarks(pybind11::module_& module);
+void AddAnnotations(pybind11::module_& module);
 void AddCommands(pybind11::module_& module);
 void AddPlayback(pybind11::module_& module);
 void AddViewers(pybind11::module_& module);
+void AddOutput(pybind11::module_& module);
 void AddSettings(pybind11::module_& module);
 void AddLog(pybind11::module_& module);
 

@@ -63,8 +63,23 @@ ScriptValue GetSetting(const QString& name)
         });
 }
 
-void SetSetting(const QString& name, const ScriptValue& value)
+ScriptValue FromPython(const QString& name, const py::object& value)
 {
+    // Asked in this order, since a bool is an int to Python; nothing is converted, not even None to False.
+    if (py::isinstance<py::bool_>(value))
+        return value.cast<bool>();
+    if (py::isinstance<py::int_>(value))
+        return value.cast<int64_t>();
+    if (py::isinstance<py::float_>(value))
+        return value.cast<double>();
+    if (py::isinstance<py::str>(value))
+        return value.cast<QString>();
+    throw py::type_error(Words(QStringLiteral("%1 takes a bool, a number or a text").arg(name)));
+}
+
+void SetSetting(const QString& name, const py::object& object)
+{
+    const ScriptValue value = FromPython(name, object);
     OnGui(
         [name, value](ScriptHost& host)
         {

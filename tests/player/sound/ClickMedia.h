@@ -3,6 +3,7 @@
 
 #include "sound/AudioSource.h"
 
+#include <QMetaType>
 #include <QString>
 #include <QStringList>
 
@@ -50,3 +51,5 @@ std::vector<double> ClicksIn(const std::vector<float>& stereo, int rate);
 double ClickPlace(const Options& options, int number, int rate);
 
 } // namespace ClickMedia
+
+Q_DECLARE_METATYPE(ClickMedia::Options)

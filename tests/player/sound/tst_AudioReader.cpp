@@ -10,8 +10,6 @@
 
 using ClickMedia::Options;
 
-Q_DECLARE_METATYPE(Options)
-
 namespace
 {
 

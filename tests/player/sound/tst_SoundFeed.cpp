@@ -11,6 +11,8 @@
 #include <new>
 #include <thread>
 
+// The sanitizers bring their own.
+#ifndef TORVALEN_SANITIZED
 namespace
 {
 
@@ -19,8 +21,6 @@ thread_local int AllocationCount = 0;
 
 } // namespace
 
-// The sanitizers bring their own.
-#ifndef TORVALEN_SANITIZED
 void* operator new(std::size_t size)
 {
     ++AllocationCount;
@@ -52,6 +52,7 @@ private Q_SLOTS:
     void BreaksHaveNoClicks();
     void TheLevelMovesWithoutSteps();
     void BadLevelsAreClamped();
+    void BadSamplesStayWithinFullScale();
     void PullingDoesNotAllocate();
     void TwoThreadsAgree();
 
@@ -222,6 +223,27 @@ void tst_SoundFeed::BadLevelsAreClamped()
         // At most one and a half times 0.9, cut off at full scale.
         QVERIFY(std::abs(stereo.back() - level) < 1e-5f);
     }
+}
+
+void tst_SoundFeed::BadSamplesStayWithinFullScale()
+{
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const float infinite = std::numeric_limits<float>::infinity();
+    SoundFeed feed;
+    feed.SetRunning(true);
+    std::vector<float> stereo(2 * 1000);
+    for (const float bad : {nan, infinite, -infinite, 1e30f, nan})
+    {
+        const std::vector<float> samples(2 * 100, bad);
+        feed.Write(samples.data(), 100);
+        feed.Pull(stereo.data(), 300);
+        for (const float sample : stereo)
+            QVERIFY(sample >= -1.0f && sample <= 1.0f);
+    }
+    const std::vector<float> good(2 * 1000, 0.5f);
+    feed.Write(good.data(), 1000);
+    feed.Pull(stereo.data(), 1000);
+    QCOMPARE(stereo.back(), 0.5f);
 }
 
 void tst_SoundFeed::PullingDoesNotAllocate()

@@ -3,8 +3,8 @@
 #include "host/Settings.h"
 #include "media/NumberedMedia.h"
 #include "playback/PlaybackController.h"
-#include "project/MediaLibrary.h"
 #include "project/MediaTimeline.h"
+#include "project/Project.h"
 #include "support/InputEvents.h"
 #include "support/TestRegistry.h"
 #include "viewers/ViewerWidget.h"
@@ -337,7 +337,7 @@ void tst_PlayerPlayback::BadFilesAreReported()
     const MessageBar* const bar = mWindow->findChild<MessageBar*>();
     QVERIFY(bar->isVisible());
     QVERIFY(bar->Message().contains(path));
-    QVERIFY(!mWindow->Media()->IsOpening());
+    QVERIFY(!mWindow->GetProject()->IsReading());
 }
 
 void tst_PlayerPlayback::TheSamePictureStaysWhenAFileIsBad()
