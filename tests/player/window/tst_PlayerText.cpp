@@ -64,6 +64,7 @@ void tst_PlayerText::init()
 {
     Settings::RestoreDefaults();
     Settings::drawColor = QColor(255, 255, 0);
+    Settings::displayConfirmationOnClose = false;
     // One that does not blink is there or not.
     QApplication::setCursorFlashTime(0);
     mWindow = std::make_unique<PlayerWindow>();
