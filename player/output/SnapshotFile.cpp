@@ -4,6 +4,7 @@
 #include "output/FinishedFile.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QImageWriter>
