@@ -17,16 +17,17 @@ SetDrawingsCommand::SetDrawingsCommand(const QString& text, std::shared_ptr<Anno
 
 void SetDrawingsCommand::undo()
 {
-    Apply(mBefore);
+    Apply(mBefore, true);
 }
 
 void SetDrawingsCommand::redo()
 {
-    Apply(mAfter);
+    Apply(mAfter, mPushed);
+    mPushed = true;
 }
 
-void SetDrawingsCommand::Apply(const QList<DrawData>& drawings)
+void SetDrawingsCommand::Apply(const QList<DrawData>& drawings, bool replayed)
 {
     mStore->SetDrawings(mFrame, drawings);
-    mChanged(mStore.get(), mFrame);
+    mChanged(mStore.get(), mFrame, replayed);
 }

@@ -15,8 +15,9 @@ class AnnotationStore;
 class SetDrawingsCommand : public QUndoCommand
 {
 public:
-    /// Called after each change with the store and the frame that changed.
-    using Changed = std::function<void(AnnotationStore* store, int frame)>;
+    /// Called after each change with the store and the frame that changed; @p replayed says that undo or redo
+    /// made the change, and not the user's own drawing.
+    using Changed = std::function<void(AnnotationStore* store, int frame, bool replayed)>;
 
     /// Changes the drawings of @p frame in @p store from @p before to @p after when it is pushed.
     SetDrawingsCommand(const QString& text, std::shared_ptr<AnnotationStore> store, int frame,
@@ -26,11 +27,12 @@ public:
     void redo() override;
 
 private:
-    void Apply(const QList<DrawData>& drawings);
+    void Apply(const QList<DrawData>& drawings, bool replayed);
 
     std::shared_ptr<AnnotationStore> mStore;
     int mFrame;
     QList<DrawData> mBefore;
     QList<DrawData> mAfter;
     Changed mChanged;
+    bool mPushed = false;
 };

@@ -6,6 +6,7 @@ extern "C"
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
 #include <libavutil/avutil.h>
+#include <libswresample/swresample.h>
 #include <libswscale/swscale.h>
 }
 
@@ -19,6 +20,7 @@ struct LibavDeleter
     void operator()(AVCodecParserContext* parser) const { av_parser_close(parser); }
     void operator()(AVPacket* packet) const { av_packet_free(&packet); }
     void operator()(AVFrame* frame) const { av_frame_free(&frame); }
+    void operator()(SwrContext* context) const { swr_free(&context); }
     void operator()(SwsContext* context) const { sws_freeContext(context); }
 };
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "media/LibavError.h"
+#include "media/LibavInput.h"
 #include "media/MovieReader.h"
 #include "media/Orientation.h"
 #include "media/PictureConverter.h"
@@ -10,21 +11,12 @@ extern "C"
 #include <libavutil/pixdesc.h>
 }
 
-#include <QFile>
 #include <QThread>
 
 #include <algorithm>
 
 namespace
 {
-
-// Files alone: no lists that name other files or addresses, nothing that takes text for a picture.
-constexpr char Containers[] =
-    "mov,mp4,m4a,3gp,3g2,mj2,matroska,webm,avi,mpegts,mpeg,mpegvideo,mxf,asf,flv,live_flv,ogg,nut,gif,h264,"
-    "hevc,"
-    "m4v,mjpeg,ivf,dv,yuv4mpegpipe,rm,gxf,lxf,av1,obu,vc1,vc1test,dnxhd,dirac,wtv,apng,roq,smk,bink,nsv,nuv,"
-    "swf,"
-    "h263,h261,cavsvideo,wav,mp3,flac,aac,ac3,eac3,aiff,w64,caf,au,amr,dts,wv,ape,tta";
 
 void SetError(QString* error, const QString& text)
 {
@@ -67,32 +59,10 @@ std::unique_ptr<MovieReader> MovieReader::Open(const QString& path, const MediaO
 
 bool MovieReader::OpenFile(QString* error)
 {
-    mFormat.reset();
-    AVFormatContext* format = avformat_alloc_context();
-    if (format == nullptr)
-    {
-        SetError(error, QStringLiteral("%1 can't be opened: memory is short").arg(mInfo.path));
+    mFormat = OpenLibavInput(mInfo.path, {&MovieReader::Interrupted, this}, error);
+    if (!mFormat)
         return false;
-    }
-    format->interrupt_callback = {&MovieReader::Interrupted, this};
-    AVDictionary* options = nullptr;
-    av_dict_set(&options, "format_whitelist", Containers, 0);
-    av_dict_set(&options, "protocol_whitelist", "file", 0);
-    const QByteArray url = "file:" + QFile::encodeName(mInfo.path);
-    // Frees the context on failure.
-    int result = avformat_open_input(&format, url.constData(), nullptr, &options);
-    av_dict_free(&options);
-    if (result >= 0)
-    {
-        mFormat.reset(format);
-        result = avformat_find_stream_info(format, nullptr);
-    }
-    if (result < 0)
-    {
-        SetError(error, QStringLiteral("%1 can't be opened: %2").arg(mInfo.path, LibavErrorText(result)));
-        mFormat.reset();
-        return false;
-    }
+    AVFormatContext* const format = mFormat.get();
     mStreamIndex = av_find_best_stream(format, AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
     // A sound file's cover is no movie.
     if (mStreamIndex < 0 || (format->streams[mStreamIndex]->disposition & AV_DISPOSITION_ATTACHED_PIC) != 0)

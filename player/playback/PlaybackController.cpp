@@ -14,8 +14,7 @@ namespace
 
 constexpr float MinimumSpeed = 0.05f;
 constexpr float MaximumSpeed = 16.0f;
-constexpr int64_t NanosecondsPerMicrosecond = 1000;
-constexpr int64_t MicrosecondsPerMillisecond = 1000;
+constexpr double MicrosecondsPerMillisecond = 1000.0;
 /// How far decoding may lag before the clock waits for it, in microseconds.
 constexpr int64_t ToleratedLag = 250000;
 /// Over how long the rate of shown frames is measured, in milliseconds.
@@ -181,6 +180,12 @@ int PlaybackController::ActiveViewer() const
     return mActiveViewer;
 }
 
+void PlaybackController::SetClock(PlaybackClock* clock)
+{
+    Pause();
+    mClock = clock ? clock : &mSteadyClock;
+}
+
 bool PlaybackController::IsPlaying() const
 {
     return mPlaying;
@@ -309,6 +314,8 @@ void PlaybackController::SetPlaying(bool playing)
     if (playing == mPlaying)
         return;
     mPlaying = playing;
+    if (!playing)
+        mClock->Stop();
     mRateFrames = 0;
     mRateClock.start();
     if (!playing)
@@ -590,32 +597,35 @@ void PlaybackController::OnFrameReady(int media, int frame, const ReadResult& re
 void PlaybackController::StartClock()
 {
     mStart = PlaybackPosition{mCurrentFrame, mPosition.direction, false};
+    mStartLoopType = Settings::loopType;
     mLastStep = 0;
-    mClock.start();
+    mClock->Start(
+        PlaybackStart{LeadingTimeline()->Rate(), mStart, mRange, mStartLoopType, mSpeed, mStepped});
     ScheduleTick();
 }
 
 int64_t PlaybackController::StepsSinceStart() const
 {
-    const double elapsed = static_cast<double>(mClock.nsecsElapsed() / NanosecondsPerMicrosecond);
-    const double played = elapsed * static_cast<double>(mSpeed);
-    return LeadingTimeline()->Rate().TimeToFrame(static_cast<int64_t>(played)) - 1;
+    return LeadingTimeline()->Rate().TimeToFrame(mClock->Played()) - 1;
 }
 
 void PlaybackController::ScheduleTick()
 {
     const FrameRate rate = LeadingTimeline()->Rate();
-    const double due = static_cast<double>(rate.FrameToTime(mLastStep + 2)) / static_cast<double>(mSpeed);
-    const int64_t left = static_cast<int64_t>(due) - mClock.nsecsElapsed() / NanosecondsPerMicrosecond;
+    const int64_t left = rate.FrameToTime(mLastStep + 2) - mClock->Played();
     // Rounded up, so that the frame is due when the timer fires.
-    const int64_t milliseconds = (left + MicrosecondsPerMillisecond - 1) / MicrosecondsPerMillisecond;
-    mTimer.start(static_cast<int>(std::min<int64_t>(std::max<int64_t>(milliseconds, 0), 1000)));
+    const double milliseconds =
+        std::ceil(static_cast<double>(left) / MicrosecondsPerMillisecond / static_cast<double>(mSpeed));
+    mTimer.start(static_cast<int>(std::min(std::max(milliseconds, 0.0), 1000.0)));
 }
 
 void PlaybackController::OnTick()
 {
     if (!mPlaying || !LeadingTimeline())
         return;
+    if (mStartLoopType != Settings::loopType)
+        // What was played so far was played by the loop before; only what comes goes by the new one.
+        StartClock();
     const int64_t steps = StepsSinceStart();
     if (steps > mLastStep)
     {

@@ -3,6 +3,7 @@
 
 #include "media/MediaReader.h"
 #include "playback/MediaLanes.h"
+#include "playback/PlaybackClock.h"
 #include "playback/PlaybackRange.h"
 
 #include <QElapsedTimer>
@@ -18,7 +19,7 @@
 class FrameLoader;
 class ProjectTimeline;
 
-/// Keeps the clock and says which frame each viewer shows.
+/// Follows the clock and says which frame each viewer shows.
 ///
 /// The timeline of the active viewer leads; the other viewer shows the same time of its own timeline. In real
 /// time a frame that is not there when it is due is passed over and counted; when decoding can't keep up, the
@@ -48,6 +49,10 @@ public:
     /// Makes @p viewer the active one; its timeline leads.
     void SetActiveViewer(int viewer);
     int ActiveViewer() const;
+
+    /// Counts time by @p clock from the next start of the clock on, or steadily if it is null. The clock
+    /// stays the caller's and must live until another is set.
+    void SetClock(PlaybackClock* clock);
 
     bool IsPlaying() const;
     /// Frame of the leading timeline under the playhead.
@@ -177,7 +182,9 @@ private:
     PlaybackPosition mPosition;
     int64_t mLastStep = 0;
     int mDroppedFrames = 0;
-    QElapsedTimer mClock;
+    LoopType mStartLoopType = NoLoop;
+    SteadyClock mSteadyClock;
+    PlaybackClock* mClock = &mSteadyClock;
     QTimer mTimer;
     QElapsedTimer mRateClock;
     int mRateFrames = 0;

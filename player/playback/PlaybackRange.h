@@ -16,6 +16,15 @@ struct PlaybackRange
     bool Contains(int frame) const { return frame >= first && frame <= last; }
 };
 
+inline bool operator==(const PlaybackRange& a, const PlaybackRange& b)
+{
+    return a.first == b.first && a.last == b.last;
+}
+inline bool operator!=(const PlaybackRange& a, const PlaybackRange& b)
+{
+    return !(a == b);
+}
+
 /// A place in playback: the frame and the way that it is going.
 struct PlaybackPosition
 {

@@ -89,6 +89,11 @@ void ElementTimeline::SetRate(const FrameRate& rate)
     RebuildFrameBookmarks();
 }
 
+bool ElementTimeline::HasRate() const
+{
+    return mRate.IsValid();
+}
+
 bool ElementTimeline::UsesSourceRanges() const
 {
     return mUsesSourceRanges;

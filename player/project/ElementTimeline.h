@@ -57,6 +57,8 @@ public:
 
     /// Sets the frames per second; marks and drawings keep their frames.
     void SetRate(const FrameRate& rate);
+    /// Whether there is a rate yet: one that was set or came with an element.
+    bool HasRate() const;
     /// Whether elements play only the range of their source timelines; on at first.
     bool UsesSourceRanges() const;
     void SetUsesSourceRanges(bool use);

@@ -71,6 +71,16 @@ void ProjectTimeline::SetRange(const PlaybackRange& range)
                      : PlaybackRange{std::max(range.first, 1), std::max({range.first, range.last, 1})};
 }
 
+std::optional<PlaybackRange> ProjectTimeline::RangeAsSet() const
+{
+    return HasRange() ? std::make_optional(mRange) : std::nullopt;
+}
+
+void ProjectTimeline::SetRangeAsSet(const std::optional<PlaybackRange>& range)
+{
+    mRange = range.value_or(PlaybackRange{1, 0});
+}
+
 const QSet<int>& ProjectTimeline::MarkedFrames() const
 {
     return mMarkedFrames;

@@ -10,6 +10,7 @@
 #include <QSet>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 /// How a timeline is panned and zoomed in a viewer, in ViewerWidget::SetPanAndZoom()'s terms.
@@ -68,6 +69,10 @@ public:
     bool HasRange() const;
     /// A range that covers the whole timeline goes on doing so when the timeline changes.
     void SetRange(const PlaybackRange& range);
+
+    /// The range as it was set, however long the timeline is now; none for the whole timeline.
+    std::optional<PlaybackRange> RangeAsSet() const;
+    void SetRangeAsSet(const std::optional<PlaybackRange>& range);
 
     /// Frames that the user marked, apart from those that are marked for their drawings.
     const QSet<int>& MarkedFrames() const;

@@ -33,6 +33,7 @@ CommandTable::CommandTable(std::vector<Command> commands, QWidget* window)
                 {
                     run();
                     UpdateSwitches();
+                    Q_EMIT CommandRun();
                 });
         window->addAction(action);
         mActions.insert(command.name, action);
@@ -88,6 +89,7 @@ void CommandTable::ApplyKeys()
 {
     for (const KeySequence* sequence : mKeys->GetKeySequences())
         Action(sequence->name)->setShortcuts(sequence->currentSequences);
+    Q_EMIT KeysChanged();
 }
 
 void CommandTable::UpdateSwitches()

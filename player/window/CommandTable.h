@@ -49,8 +49,16 @@ public:
     /// The table of keys; ApplyKeys() brings a change of it into force.
     KeyBindings* Keys() const;
     void ApplyKeys();
+
+public Q_SLOTS:
     /// Brings the check marks in line with what the commands say.
     void UpdateSwitches();
+
+Q_SIGNALS:
+    /// A command has run.
+    void CommandRun();
+    /// The commands' keys may be others than before.
+    void KeysChanged();
 
 private:
     std::vector<Command> mCommands;

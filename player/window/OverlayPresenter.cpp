@@ -8,26 +8,30 @@
 namespace
 {
 
-/// A record that paints nothing. A viewer without any drawing or ghost leaves the cursor's preview out; with
-/// this one it shows it.
-const FrameData& NothingDrawn()
+bool EndsFreehand(const FrameData* data)
 {
-    static const FrameData nothing = []
-    {
-        FrameData data;
-        data.drawData.append(DrawData());
-        data.lastIndex = 0;
-        return data;
-    }();
-    return nothing;
+    if (!data || data->lastIndex < 0 || data->lastIndex >= data->drawData.size())
+        return false;
+    const DrawType type = data->drawData[data->lastIndex].type;
+    return type == DrawPencil || type == DrawEraser;
 }
 
 } // namespace
 
-namespace OverlayPresenter
+const FrameData* OverlayPresenter::AtRest(int index, const FrameData* current)
 {
+    if (EndsFreehand(current))
+        return current;
+    FrameData& data = mAtRest[static_cast<size_t>(index)];
+    data = current ? *current : FrameData();
+    data.drawData = data.drawData.mid(0, data.lastIndex + 1);
+    data.drawData.append(DrawData());
+    data.lastIndex = data.drawData.size() - 1;
+    return &data;
+}
 
-void Present(ViewerWidget* viewer, int index, const AnnotationStore* store, int frame)
+void OverlayPresenter::Present(ViewerWidget* viewer, int index, const AnnotationStore* store, int frame,
+                               bool isEdited)
 {
     if (!store)
     {
@@ -41,9 +45,7 @@ void Present(ViewerWidget* viewer, int index, const AnnotationStore* store, int 
     if (Settings::annotationGhostNext)
         next = store->After(frame, Settings::annotationGhostNextNumFrames);
     const FrameData* current = store->Find(frame);
-    if (Settings::drawEnabled && (!current || current->lastIndex < 0))
-        current = &NothingDrawn();
+    if (Settings::drawEnabled && !isEdited)
+        current = AtRest(index, current);
     viewer->SetOverlayData(index, current, previous, next);
 }
-
-} // namespace OverlayPresenter

@@ -1,24 +1,23 @@
 // SPDX-License-Identifier: MIT
 #include "window/PlayerWindow.h"
 
-#include "annotation/StrokeController.h"
 #include "host/Settings.h"
 #include "playback/PlaybackController.h"
 #include "project/MediaTimeline.h"
 #include "viewers/ViewerWidget.h"
+#include "window/BarCommands.h"
 #include "window/CommandTable.h"
+#include "window/ConsoleBinding.h"
 #include "window/OutputBinding.h"
 #include "window/PanelCommands.h"
-#include "window/TimelineBinding.h"
-
-#include <QColorDialog>
+#include "window/ScriptCommands.h"
+#include "window/SettingsBinding.h"
 
 #include <algorithm>
 
 namespace
 {
 
-constexpr float WidthStep = 1.25f;
 constexpr float ZoomFactor = 1.25f;
 
 QList<QKeySequence> Keys(std::initializer_list<int> keys)
@@ -36,10 +35,15 @@ std::vector<Command> PlayerWindow::MakeCommands()
     std::vector<Command> commands;
     AddFileCommands(commands);
     AddPlaybackCommands(commands);
+    AddSoundCommands(commands, mVolume);
     AddViewCommands(commands);
     AddPanelCommands(commands, mPanels);
-    AddAnnotationCommands(commands);
-    AddBookmarkCommands(commands);
+    AddAnnotationCommands(commands, mAnnotationBar, mAnnotation,
+                          [this](bool removeBookmark) { ClearFrame(removeBookmark); });
+    AddBookmarkCommands(commands, mBookmarks, mBookmarksBar);
+    AddConsoleCommands(commands, mConsole);
+    AddScriptCommands(commands, mScripts);
+    AddHelpCommands(commands, mSettings);
     return commands;
 }
 
@@ -54,6 +58,7 @@ void PlayerWindow::AddFileCommands(std::vector<Command>& commands)
                         [this] { OpenFromDialog(1); },
                         {}});
     mOutput->AddCommands(commands);
+    AddSettingsCommands(commands, mSettings);
     commands.push_back(
         {"file.quit", tr("|&Quit"), "file", Keys({Qt::CTRL + Qt::Key_Q}), [this] { close(); }, {}});
     commands.push_back({"media.next",
@@ -151,13 +156,7 @@ void PlayerWindow::AddViewCommands(std::vector<Command>& commands)
     add("view.fit", tr("&Fit"), {Qt::Key_F}, [this] { SetZoom(1.0f); });
     add(
         "view.annotations", tr("|Show &Annotations"), {Qt::Key_A},
-        [this]
-        {
-            mAnnotationsVisible = !mAnnotationsVisible;
-            mViewer->SetAnnotationsVisible(mAnnotationsVisible);
-            RefreshViewers();
-        },
-        [this] { return mAnnotationsVisible; });
+        [this] { SetAnnotationsVisible(!mAnnotationsVisible); }, [this] { return mAnnotationsVisible; });
     add(
         "view.annotationsOnly", tr("Annotations &Without Picture"), {},
         [this]
@@ -177,144 +176,6 @@ void PlayerWindow::AddViewCommands(std::vector<Command>& commands)
     add(
         "view.fullScreen", tr("|F&ull Screen"), {Qt::Key_F11},
         [this] { setWindowState(windowState() ^ Qt::WindowFullScreen); }, [this] { return isFullScreen(); });
-}
-
-void PlayerWindow::AddAnnotationCommands(std::vector<Command>& commands)
-{
-    const auto add = [&](const char* name, const QString& text, std::initializer_list<int> keys,
-                         std::function<void()> run, std::function<bool()> isOn = {})
-    {
-        commands.push_back({QLatin1String(name), text, QStringLiteral("annotate"), Keys(keys), std::move(run),
-                            std::move(isOn)});
-    };
-    add(
-        "annotate.draw", tr("&Draw"), {Qt::Key_D}, [this] { SetDrawEnabled(!Settings::drawEnabled); },
-        [] { return Settings::drawEnabled; });
-    add(
-        "annotate.pencil", tr("|&Pencil"), {Qt::Key_P}, [this] { SelectTool(Pencil); },
-        [] { return Settings::annotationTool == Pencil; });
-    add(
-        "annotate.eraser", tr("&Eraser"), {Qt::Key_E}, [this] { SelectTool(Eraser); },
-        [] { return Settings::annotationTool == Eraser; });
-    add("annotate.color", tr("&Colour…"), {Qt::Key_C},
-        [this]
-        {
-            const QColor color = QColorDialog::getColor(Settings::drawColor, this, tr("Drawing Colour"),
-                                                        QColorDialog::ShowAlphaChannel);
-            if (color.isValid())
-                Settings::drawColor = color;
-        });
-    add("annotate.wider", tr("&Wider"), {Qt::Key_BracketRight}, [this] { ChangeDrawWidth(WidthStep); });
-    add("annotate.narrower", tr("&Narrower"), {Qt::Key_BracketLeft},
-        [this] { ChangeDrawWidth(1.0f / WidthStep); });
-    add("annotate.undo", tr("|&Undo"), {Qt::CTRL + Qt::Key_Z},
-        [this]
-        {
-            mStrokes->Cancel();
-            mUndoStack.undo();
-        });
-    add("annotate.redo", tr("&Redo"), {Qt::CTRL + Qt::SHIFT + Qt::Key_Z, Qt::CTRL + Qt::Key_Y},
-        [this]
-        {
-            mStrokes->Cancel();
-            mUndoStack.redo();
-        });
-    add("annotate.clearFrame", tr("C&lear Frame"), {Qt::CTRL + Qt::Key_Backspace},
-        [this] { mStrokes->ClearFrame(mPlayback->ActiveViewer()); });
-    add(
-        "annotate.ghostPrevious", tr("|Ghosts of Frames &Before"), {Qt::Key_G},
-        [this]
-        {
-            Settings::annotationGhostPrevious = !Settings::annotationGhostPrevious;
-            PresentOverlays();
-            RefreshViewers();
-        },
-        [] { return Settings::annotationGhostPrevious; });
-    add(
-        "annotate.ghostNext", tr("Ghosts of Frames &After"), {Qt::SHIFT + Qt::Key_G},
-        [this]
-        {
-            Settings::annotationGhostNext = !Settings::annotationGhostNext;
-            PresentOverlays();
-            RefreshViewers();
-        },
-        [] { return Settings::annotationGhostNext; });
-}
-
-void PlayerWindow::AddBookmarkCommands(std::vector<Command>& commands)
-{
-    const auto add =
-        [&](const char* name, const QString& text, std::initializer_list<int> keys, std::function<void()> run)
-    {
-        commands.push_back(
-            {QLatin1String(name), text, QStringLiteral("bookmarks"), Keys(keys), std::move(run), {}});
-    };
-    add("bookmark.frame", tr("&Mark Frame"), {Qt::Key_B}, [this] { ToggleTimeBookmark(); });
-    add("bookmark.range", tr("Mark &Range"), {Qt::SHIFT + Qt::Key_B}, [this] { ToggleRangeBookmark(); });
-    add("bookmark.next", tr("|&Next Bookmark"), {Qt::CTRL + Qt::Key_Right}, [this] { GoToBookmark(1); });
-    add("bookmark.previous", tr("&Previous Bookmark"), {Qt::CTRL + Qt::Key_Left},
-        [this] { GoToBookmark(-1); });
-    add("range.start", tr("|Range &Starts Here"), {Qt::Key_I},
-        [this]
-        {
-            if (const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->LeadingTimeline())
-                mPlayback->SetRange(
-                    mPlayback->CurrentTime(),
-                    timeline->FrameToTime(std::max(mPlayback->Range().last, mPlayback->CurrentFrame())));
-        });
-    add("range.end", tr("Range &Ends Here"), {Qt::Key_O},
-        [this]
-        {
-            if (const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->LeadingTimeline())
-                mPlayback->SetRange(
-                    timeline->FrameToTime(std::min(mPlayback->Range().first, mPlayback->CurrentFrame())),
-                    mPlayback->CurrentTime());
-        });
-    add("range.reset", tr("W&hole Range"), {Qt::Key_Backslash},
-        [this]
-        {
-            if (const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->LeadingTimeline())
-                mPlayback->SetRange(timeline->GetStartTime(), timeline->GetEndTime());
-        });
-}
-
-void PlayerWindow::ToggleTimeBookmark()
-{
-    if (const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->LeadingTimeline())
-        timeline->ToggleBookmark(mPlayback->CurrentFrame());
-    mTimelines->UpdateBookmarks();
-}
-
-void PlayerWindow::ToggleRangeBookmark()
-{
-    const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->LeadingTimeline();
-    if (!timeline)
-        return;
-    const int64_t start = timeline->FrameToTime(mPlayback->Range().first);
-    const int64_t end = timeline->FrameToTime(mPlayback->Range().last);
-    if (!timeline->GetBookmarks()->RemoveRangeBookmark(start, end))
-        timeline->GetBookmarks()->AddRangeBookmark(RangeBookmark(start, end));
-    mTimelines->UpdateBookmarks();
-}
-
-void PlayerWindow::GoToBookmark(int direction)
-{
-    const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->LeadingTimeline();
-    if (!timeline)
-        return;
-    const int frame = timeline->NextBookmarkedFrame(mPlayback->CurrentFrame(), direction);
-    if (frame > 0)
-        mPlayback->SeekFrame(frame);
-}
-
-void PlayerWindow::GoToNextBookmark()
-{
-    GoToBookmark(1);
-}
-
-void PlayerWindow::GoToPreviousBookmark()
-{
-    GoToBookmark(-1);
 }
 
 void PlayerWindow::StepSeconds(int seconds)

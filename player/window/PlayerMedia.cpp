@@ -2,8 +2,8 @@
 // The window's media: what is open, and what the viewers show of it.
 #include "window/PlayerWindow.h"
 
+#include "annotation/AnnotationController.h"
 #include "annotation/AnnotationStore.h"
-#include "annotation/StrokeController.h"
 #include "host/Logger.h"
 #include "playback/PlaybackController.h"
 #include "project/MediaLibrary.h"
@@ -12,7 +12,8 @@
 #include "window/CommandTable.h"
 #include "window/DemoDrawing.h"
 #include "window/MessageBar.h"
-#include "window/OverlayPresenter.h"
+#include "window/RecentFiles.h"
+#include "window/SettingsBinding.h"
 #include "window/ViewerBackEndChoice.h"
 
 #include <QAction>
@@ -37,10 +38,22 @@ void PlayerWindow::OpenFromDialog(int viewer)
     const QStringList paths = QFileDialog::getOpenFileNames(
         this, viewer == 0 ? tr("Open Media") : tr("Open Media in Viewer B"), QString(),
         tr("Movies and Images (%1);;All Files (*)").arg(patterns.join(QLatin1Char(' '))));
-    if (paths.isEmpty())
+    if (!paths.isEmpty())
+        OpenForUser(paths, viewer);
+}
+
+void PlayerWindow::OpenForUser(const QStringList& paths, int viewer)
+{
+    // Viewer B is one of this player.
+    if (viewer != 1 && mSettings->OpenElsewhere(paths))
         return;
     mMessages->Clear();
     OpenFiles(paths, viewer);
+}
+
+void PlayerWindow::OnRecentFilePicked(const QString& path)
+{
+    OpenForUser({path}, mPlayback->ActiveViewer());
 }
 
 void PlayerWindow::OnMediaOpened(int index, int viewer)
@@ -61,11 +74,15 @@ void PlayerWindow::OnMediaOpened(int index, int viewer)
                                            .arg(info.missingFrames)
                                            .arg(info.frameCount));
     UpdateMediaMenu();
+    mRecentFiles->Add(info.path);
     // A medium that is opened beside others goes to the first viewer only while nothing is there.
     if (viewer < 0 && !mPlayback->TimelineOf(0) && !mMedia->IsOpening())
         viewer = 0;
     if (viewer >= 0)
+    {
         ShowEntry(index, viewer);
+        mSettings->FitWindow(QSize(info.width, info.height));
+    }
     EmitIfSettled();
 }
 
@@ -79,7 +96,7 @@ void PlayerWindow::OnMediaFailed(const QString& text)
 void PlayerWindow::ShowEntry(int index, int viewer)
 {
     const MediaLibrary::Entry& entry = mMedia->Entries()[static_cast<size_t>(index)];
-    mStrokes->Cancel();
+    mAnnotation->EndEdits();
     if (const auto& old = mPlayback->TimelineOf(viewer); old && old != entry.timeline)
         old->SetViewerIndex(-1);
     entry.timeline->SetViewerIndex(viewer);
@@ -102,6 +119,16 @@ void PlayerWindow::ShowEntry(int index, int viewer)
         mPlayWhenReady = false;
         mPlayback->Play(1);
     }
+}
+
+void PlayerWindow::ShowTimeline(const std::shared_ptr<ProjectTimeline>& timeline, int viewer)
+{
+    const std::vector<MediaLibrary::Entry>& entries = mMedia->Entries();
+    const auto found =
+        std::find_if(entries.begin(), entries.end(),
+                     [&](const MediaLibrary::Entry& entry) { return entry.timeline == timeline; });
+    if (found != entries.end())
+        ShowEntry(static_cast<int>(found - entries.begin()), viewer);
 }
 
 void PlayerWindow::DrawDemoWhenReady()
@@ -154,11 +181,14 @@ void PlayerWindow::UpdateMediaMenu()
 
 void PlayerWindow::OnPictureReady(int viewer, int frame, const ReadResult& result)
 {
-    if (mStrokes->DrawingViewer() == viewer)
-        mStrokes->Cancel();
+    if (mAnnotation->Strokes()->DrawingViewer() == viewer)
+        mAnnotation->Strokes()->Cancel();
+    if (mAnnotation->Text()->TypingViewer() == viewer && mAnnotation->Text()->TypingFrame() != frame)
+        mAnnotation->Text()->Finish();
     ShowPicture(mViewer, viewer, result.image);
     const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->TimelineOf(viewer);
-    OverlayPresenter::Present(mViewer, viewer, timeline->Annotations().get(), frame);
+    mOverlays.Present(mViewer, viewer, timeline->Annotations().get(), frame,
+                      mAnnotation->Text()->TypingViewer() == viewer);
     RefreshViewers();
     EmitIfSettled();
 }
@@ -170,14 +200,20 @@ void PlayerWindow::OnFrameFailed(int media, int frame, const QString& text)
     Logger::GetInstance()->Error(text);
 }
 
-void PlayerWindow::EmitIfSettled()
+bool PlayerWindow::IsSettled() const
 {
     if (mMedia->IsOpening())
-        return;
+        return false;
     for (int viewer = 0; viewer < PlaybackController::ViewerCount; ++viewer)
     {
         if (mPlayback->ShownFrame(viewer) != mPlayback->WantedFrame(viewer))
-            return;
+            return false;
     }
-    Q_EMIT Settled();
+    return true;
+}
+
+void PlayerWindow::EmitIfSettled()
+{
+    if (IsSettled())
+        Q_EMIT Settled();
 }

@@ -2,18 +2,23 @@
 // How the window shows what it shows: annotations, layout, zoom, tools.
 #include "window/PlayerWindow.h"
 
+#include "annotation/AnnotationController.h"
 #include "annotation/AnnotationStore.h"
 #include "annotation/FullPaint.h"
-#include "annotation/StrokeController.h"
 #include "host/Settings.h"
+#include "media/FrameLoader.h"
 #include "playback/PlaybackController.h"
+#include "project/BookmarkController.h"
 #include "project/MediaLibrary.h"
 #include "project/MediaTimeline.h"
 #include "viewers/ViewerWidget.h"
+#include "window/AnnotationBarBinding.h"
 #include "window/CommandTable.h"
 #include "window/MessageBar.h"
-#include "window/OverlayPresenter.h"
+#include "window/PanelTogglesBinding.h"
+#include "window/RecentFiles.h"
 #include "window/TimelineBinding.h"
+#include "window/VolumeBarBinding.h"
 
 #include <algorithm>
 
@@ -22,8 +27,10 @@ void PlayerWindow::PresentOverlays()
     for (int viewer = 0; viewer < PlaybackController::ViewerCount; ++viewer)
     {
         const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->TimelineOf(viewer);
-        OverlayPresenter::Present(mViewer, viewer, timeline ? timeline->Annotations().get() : nullptr,
-                                  mPlayback->ShownFrame(viewer));
+        const bool isEdited = mAnnotation->Strokes()->DrawingViewer() == viewer ||
+                              mAnnotation->Text()->TypingViewer() == viewer;
+        mOverlays.Present(mViewer, viewer, timeline ? timeline->Annotations().get() : nullptr,
+                          mPlayback->ShownFrame(viewer), isEdited);
     }
 }
 
@@ -33,31 +40,110 @@ void PlayerWindow::RefreshViewers()
     RequestFullPaint(mViewer, Settings::drawEnabled && !mPlayback->IsPlaying());
 }
 
-void PlayerWindow::OnDrawingsChanged(AnnotationStore* store, int frame)
+void PlayerWindow::ShowChange(const ProjectTimeline* timeline, int frame)
 {
-    // Undo and redo take the user to the frame that they change.
     for (int viewer = 0; viewer < PlaybackController::ViewerCount; ++viewer)
     {
-        const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->TimelineOf(viewer);
-        if (timeline && timeline->Annotations().get() == store && mPlayback->ShownFrame(viewer) != frame)
-        {
-            mPlayback->Pause();
-            mPlayback->SeekTime(timeline->FrameToTime(frame) + Settings::ROUNDING_ERROR_EXTRA_TIME);
-            break;
-        }
+        const std::shared_ptr<ProjectTimeline>& shown = mPlayback->TimelineOf(viewer);
+        if (shown.get() != timeline || mPlayback->ShownFrame(viewer) == frame)
+            continue;
+        mPlayback->Pause();
+        mPlayback->SeekTime(shown->FrameToTime(frame) + Settings::ROUNDING_ERROR_EXTRA_TIME);
+        return;
     }
+}
+
+void PlayerWindow::OnDrawingsChanged(AnnotationStore* store, int frame, bool replayed)
+{
+    std::vector<std::shared_ptr<ProjectTimeline>> timelines;
     for (const MediaLibrary::Entry& entry : mMedia->Entries())
+        timelines.push_back(entry.timeline);
+    for (int viewer = 0; viewer < PlaybackController::ViewerCount; ++viewer)
+        timelines.push_back(mPlayback->TimelineOf(viewer));
+    for (const std::shared_ptr<ProjectTimeline>& timeline : timelines)
     {
-        if (entry.timeline->Annotations().get() == store)
-            entry.timeline->UpdateAnnotationBookmark(frame);
+        if (!timeline || timeline->Annotations().get() != store)
+            continue;
+        timeline->UpdateAnnotationBookmark(frame);
+        // Undo and redo take the user to the frame that they change.
+        if (replayed)
+            ShowChange(timeline.get(), frame);
     }
     mTimelines->UpdateBookmarks();
     PresentOverlays();
     RefreshViewers();
 }
 
+void PlayerWindow::OnBookmarksChanged(ProjectTimeline* timeline, int frame, bool replayed)
+{
+    if (replayed)
+        ShowChange(timeline, frame);
+    mTimelines->UpdateBookmarks();
+}
+
+void PlayerWindow::OnGhostingChanged()
+{
+    PresentOverlays();
+    RefreshViewers();
+}
+
+void PlayerWindow::OnToolChanged()
+{
+    if (Settings::drawEnabled && !mAnnotationsVisible)
+        SetAnnotationsVisible(true);
+    const Qt::CursorShape drawing = Settings::annotationTool == Text ? Qt::IBeamCursor : Qt::CrossCursor;
+    mViewer->setCursor(Settings::drawEnabled ? drawing : Qt::ArrowCursor);
+    PresentOverlays();
+    RefreshViewers();
+    UpdateStatus();
+}
+
+void PlayerWindow::SetAnnotationsVisible(bool visible)
+{
+    mAnnotationsVisible = visible;
+    mViewer->SetAnnotationsVisible(visible);
+    RefreshViewers();
+}
+
+void PlayerWindow::ClearFrame(bool removeBookmark)
+{
+    mAnnotation->EndEdits();
+    const int active = mPlayback->ActiveViewer();
+    mBookmarks->ClearFrame(mPlayback->TimelineOf(active) ? active : 1 - active, removeBookmark);
+}
+
+void PlayerWindow::OnViewerDoubleClicked()
+{
+    // While drawing, two quick presses are two strokes.
+    if (!Settings::drawEnabled)
+        mPlayback->TogglePlayback();
+}
+
+void PlayerWindow::SyncBars()
+{
+    const BarSettings now{Settings::drawColor,
+                          Settings::annotationTool,
+                          Settings::annotationGhostPrevious,
+                          Settings::annotationGhostNext,
+                          Settings::loopType,
+                          Settings::viewerLayout,
+                          Settings::linkProjectViewAndDetailsViewVisibility};
+    // Each button that is told its colours is laid out anew, which is too much after each command.
+    if (now == mShownBarSettings)
+        return;
+    mShownBarSettings = now;
+    mAnnotationBar->Sync();
+    mVolumeBar->Sync();
+    mPanelToggles->Sync();
+    mCommands->UpdateSwitches();
+}
+
 void PlayerWindow::OnPlayheadMoved()
 {
+    // The text that is being typed belongs to the frame that goes.
+    if (const int viewer = mAnnotation->Text()->TypingViewer();
+        viewer >= 0 && mPlayback->WantedFrame(viewer) != mAnnotation->Text()->TypingFrame())
+        mAnnotation->Text()->Finish();
     UpdateStatus();
 }
 
@@ -93,7 +179,13 @@ void PlayerWindow::OnPanZoomChangeRequested(QPointF panInterpolation, float zoom
     mZoom = zoom;
     mViewer->SetPanAndZoom(panInterpolation, zoom, enabled);
     RefreshViewers();
+    mAnnotation->Text()->FollowPicture();
     UpdateStatus();
+}
+
+void PlayerWindow::SetPanAndZoom(const QPointF& pan, float zoom)
+{
+    OnPanZoomChangeRequested(pan, zoom, true);
 }
 
 void PlayerWindow::SetZoom(float zoom)
@@ -115,34 +207,20 @@ void PlayerWindow::OnLogged(const QString& text)
 void PlayerWindow::SetLayout(int layout)
 {
     Settings::viewerLayout = layout;
+    mAnnotation->EndEdits();
     mViewer->SetViewerLayout(static_cast<ViewerLayout>(layout));
     RefreshViewers();
+    SyncBars();
+}
+
+void PlayerWindow::OnSettingsChanged()
+{
+    mLoader->SetCacheSize(Settings::cacheSize);
+    if (mZoom > Settings::zoomMaximum)
+        SetZoom(mZoom);
+    mRecentFiles->Update();
+    ArrangeTimelines();
+    OnToolChanged();
+    SyncBars();
     mCommands->UpdateSwitches();
-}
-
-void PlayerWindow::SetDrawEnabled(bool enabled)
-{
-    mStrokes->Cancel();
-    Settings::drawEnabled = enabled;
-    mViewer->setCursor(enabled ? Qt::CrossCursor : Qt::ArrowCursor);
-    PresentOverlays();
-    RefreshViewers();
-    UpdateStatus();
-}
-
-void PlayerWindow::SelectTool(int tool)
-{
-    Settings::annotationTool = static_cast<AnnotationToolType>(tool);
-    Settings::drawWidth = tool == Eraser ? Settings::eraserWidth : Settings::pencilWidth;
-    SetDrawEnabled(true);
-}
-
-void PlayerWindow::ChangeDrawWidth(float factor)
-{
-    float& width = Settings::annotationTool == Eraser ? Settings::eraserWidth : Settings::pencilWidth;
-    width = std::min(std::max(width * factor, Settings::MINIMUM_DRAW_WIDTH), 0.25f);
-    Settings::drawWidth = width;
-    if (Settings::drawEnabled)
-        mViewer->RefreshAnnotations();
-    UpdateStatus();
 }

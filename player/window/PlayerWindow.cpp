@@ -1,32 +1,49 @@
 // SPDX-License-Identifier: MIT
 #include "window/PlayerWindow.h"
 
+#include "annotation/AnnotationController.h"
 #include "annotation/AnnotationStore.h"
-#include "annotation/StrokeController.h"
 #include "host/Logger.h"
 #include "host/Settings.h"
 #include "media/FrameLoader.h"
 #include "playback/PlaybackController.h"
+#include "playback/VolumeState.h"
+#include "project/BookmarkController.h"
 #include "project/MediaLibrary.h"
 #include "project/MediaSource.h"
 #include "project/MediaTimeline.h"
+#include "sound/SoundPlayer.h"
 #include "timelines/TimelineWidget.h"
+#include "toolbars/BookmarksToolbarWidget.h"
 #include "toolbars/PlaybackControlWidget.h"
+#include "toolbars/SecondaryControlsWidget.h"
+#include "toolbars/VolumeWidget.h"
 #include "viewers/ViewerWidget.h"
+#include "window/AnnotationBarBinding.h"
+#include "window/BookmarksBarBinding.h"
 #include "window/CommandTable.h"
+#include "window/ConsoleBinding.h"
+#include "window/EarlyLog.h"
 #include "window/MessageBar.h"
 #include "window/OutputBinding.h"
 #include "window/PanelArea.h"
+#include "window/PanelTogglesBinding.h"
+#include "window/RecentFiles.h"
+#include "window/ScriptBinding.h"
+#include "window/SettingsBinding.h"
 #include "window/TimelineBinding.h"
 #include "window/ViewerInput.h"
+#include "window/VolumeBarBinding.h"
 
 #include <QAction>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QScreen>
 #include <QStatusBar>
 #include <QTimer>
 #include <QUrl>
@@ -38,7 +55,10 @@ namespace
 {
 
 constexpr QSize InitialSize(1280, 800);
+/// How much of a small screen a new window may take.
+constexpr double ScreenPart = 0.9;
 constexpr int StatusMargin = 8;
+constexpr int BarMargin = 8;
 
 QStringList LocalFiles(const QMimeData* data)
 {
@@ -49,6 +69,28 @@ QStringList LocalFiles(const QMimeData* data)
             paths << url.toLocalFile();
     }
     return paths;
+}
+
+QString ToolName(AnnotationToolType tool)
+{
+    switch (tool)
+    {
+    case Pencil:
+        return PlayerWindow::tr("Pencil");
+    case Eraser:
+        return PlayerWindow::tr("Eraser");
+    case Text:
+        return PlayerWindow::tr("Text");
+    case Arrow:
+        return PlayerWindow::tr("Arrow");
+    case Oval:
+        return PlayerWindow::tr("Oval");
+    case Eyedropper:
+        return PlayerWindow::tr("Eyedropper");
+    case Rectangle:
+        return PlayerWindow::tr("Rectangle");
+    }
+    return QString();
 }
 
 QLabel* MakeStatusLabel(QWidget* parent, const char* objectName)
@@ -64,13 +106,24 @@ QLabel* MakeStatusLabel(QWidget* parent, const char* objectName)
 
 PlayerWindow::PlayerWindow(const ViewerBackEndChoice& choice)
 {
+    const EarlyLog earlyLog;
     setObjectName(QStringLiteral("playerWindow"));
     mViewer = choice.MakeViewer(this);
     CreateWidgets();
     CreateActions();
     CreateLayout();
     CreateConnections();
-    resize(InitialSize);
+    for (const EarlyLog::Message& message : EarlyLog::Messages())
+    {
+        if (message.kind == EarlyLog::Kind::Warning || message.kind == EarlyLog::Kind::Error)
+            OnLogged(message.text);
+    }
+    mVolumeBar->ReadState();
+    mBookmarksBar->ReadState();
+    mAnnotationBar->ReadState();
+    OnKeysChanged();
+    SyncBars();
+    resize(InitialSize.boundedTo(ScreenPart * QGuiApplication::primaryScreen()->availableSize()));
     setAcceptDrops(true);
     UpdateTitle();
     UpdateStatus();
@@ -81,6 +134,11 @@ PlayerWindow::PlayerWindow(const ViewerBackEndChoice& choice)
 
 PlayerWindow::~PlayerWindow()
 {
+    delete mScripts;
+    // While all is there that hears of it: a text ends as the viewer loses the focus, and drawing with the
+    // tools.
+    mAnnotation->EndEdits();
+    hide();
     // The viewers hold plain pointers to the annotations of timelines that go before them.
     ShowPicture(mViewer, -1, QImage());
 }
@@ -90,10 +148,18 @@ void PlayerWindow::CreateWidgets()
     mLoader = new FrameLoader(this);
     mPlayback = new PlaybackController(mLoader, this);
     mMedia = new MediaLibrary(mLoader, PictureFormatOf(mViewer), this);
+    mSound = new SoundPlayer(
+        [this]
+        {
+            const std::shared_ptr<ProjectTimeline>& lead = mPlayback->LeadingTimeline();
+            return lead ? AudioSegmentsOf(*lead) : std::vector<AudioSegment>();
+        },
+        this);
+    mSound->Lead(mPlayback);
     mViewer->setObjectName(QStringLiteral("viewer"));
     mViewer->setFocusPolicy(Qt::StrongFocus);
     mViewer->SetViewerLayout(static_cast<ViewerLayout>(Settings::viewerLayout));
-    mStrokes = new StrokeController(
+    mAnnotation = new AnnotationController(
         mViewer, &mUndoStack,
         [this](int viewer)
         {
@@ -102,16 +168,36 @@ void PlayerWindow::CreateWidgets()
                 return StrokeTarget();
             return StrokeTarget{timeline->Annotations(), mPlayback->ShownFrame(viewer)};
         },
+        [this](int viewer)
+        {
+            const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->TimelineOf(viewer);
+            const auto source = timeline ? timeline->SourceAt(mPlayback->ShownFrame(viewer)) : nullptr;
+            return source ? QSize(source->Info().width, source->Info().height) : QSize();
+        },
         this);
+    mBookmarks = new BookmarkController(mPlayback, &mUndoStack, this);
+    mVolume = new VolumeState(this);
+    connect(mVolume, &VolumeState::VolumeChanged, mSound,
+            [this] { mSound->SetVolume(static_cast<float>(mVolume->Volume()) / 100.0f); });
+    connect(mVolume, &VolumeState::MutedChanged, mSound, &SoundPlayer::SetMuted);
     mPlayback->Lanes().SetPictureFormat(PictureFormatOf(mViewer));
-    mInput = new ViewerInput(mViewer, mStrokes, mPlayback, this);
+    mInput = new ViewerInput(mViewer, mAnnotation, mPlayback, this);
     mTimelines = new TimelineBinding(mPlayback, mLoader, this, this);
-    mOutput = new OutputBinding(mPlayback, mViewer, [this] { return mAnnotationsVisible; }, this);
+    mOutput = new OutputBinding(
+        mPlayback, mViewer, [this] { return mAnnotationsVisible; }, this);
     mTransport = new PlaybackControlWidget(this);
     mTransport->setObjectName(QStringLiteral("transport"));
     mMessages = new MessageBar(this);
     mCenter = new QWidget(this);
+    mViewerRow = new QWidget(mCenter);
     mPanels = new PanelArea(mCenter, this);
+    mAnnotationBar = new AnnotationBarBinding(mAnnotation, mViewerRow, this);
+    mBookmarksBar = new BookmarksBarBinding(mBookmarks, mCenter, this);
+    mVolumeBar = new VolumeBarBinding(mVolume, mCenter, this);
+    mPanelToggles = new PanelTogglesBinding(mPanels, mAnnotationBar, mCenter, this);
+    mScripts = new ScriptBinding(this);
+    mConsole = new ConsoleBinding(this, mScripts->Engine());
+    mSettings = new SettingsBinding(this);
 }
 
 void PlayerWindow::CreateActions()
@@ -122,9 +208,9 @@ void PlayerWindow::CreateActions()
         const char* name;
         QString text;
     };
-    for (const MenuRow& row :
-         {MenuRow{"file", tr("&File")}, MenuRow{"playback", tr("&Playback")}, MenuRow{"view", tr("&View")},
-          MenuRow{"annotate", tr("&Annotate")}, MenuRow{"bookmarks", tr("&Bookmarks")}})
+    for (const MenuRow& row : {MenuRow{"file", tr("&File")}, MenuRow{"playback", tr("&Playback")},
+                               MenuRow{"view", tr("&View")}, MenuRow{"annotate", tr("&Annotate")},
+                               MenuRow{"bookmarks", tr("&Bookmarks")}, MenuRow{"scripts", tr("&Scripts")}})
     {
         QMenu* const menu = menuBar()->addMenu(row.text);
         menu->setObjectName(QLatin1String(row.name) + QLatin1String("Menu"));
@@ -134,6 +220,21 @@ void PlayerWindow::CreateActions()
     mMediaMenu = menuBar()->addMenu(tr("&Media"));
     mMediaMenu->setObjectName(QStringLiteral("mediaMenu"));
     UpdateMediaMenu();
+    QMenu* const helpMenu = menuBar()->addMenu(tr("&Help"));
+    helpMenu->setObjectName(QStringLiteral("helpMenu"));
+    mCommands->FillMenu(QStringLiteral("help"), helpMenu);
+
+    auto* const fileMenu = menuBar()->findChild<QMenu*>(QStringLiteral("fileMenu"));
+    auto* const recentMenu = new QMenu(tr("Open &Recent"), fileMenu);
+    recentMenu->setObjectName(QStringLiteral("recentFilesMenu"));
+    const QList<QAction*> fileActions = fileMenu->actions();
+    fileMenu->insertMenu(
+        fileActions.value(fileActions.indexOf(mCommands->Action(QStringLiteral("file.openViewerB"))) + 1),
+        recentMenu);
+    mRecentFiles =
+        new RecentFiles(QStringLiteral("recent/files"), &Settings::numRecentFiles, recentMenu, this);
+    mConsole->AddActions(mCommands);
+    mSettings->SetProject(nullptr);
 }
 
 void PlayerWindow::CreateLayout()
@@ -142,14 +243,23 @@ void PlayerWindow::CreateLayout()
     mCenterLayout->setContentsMargins(0, 0, 0, 0);
     mCenterLayout->setSpacing(0);
     mCenterLayout->addWidget(mMessages);
-    mCenterLayout->addWidget(mViewer, 1);
+    mCenterLayout->addWidget(mViewerRow, 1);
+    auto* const row = new QHBoxLayout(mViewerRow);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(0);
+    row->addWidget(mViewer, 1);
+    mAnnotationBar->PlaceIn(row, mViewer);
     ArrangeTimelines();
     setCentralWidget(mPanels);
-    auto* const bar = new QHBoxLayout;
-    bar->addStretch();
-    bar->addWidget(mTransport);
-    bar->addStretch();
-    mCenterLayout->addLayout(bar);
+    mCenterLayout->addWidget(mBookmarksBar->Bar());
+    // The outer columns share what is left evenly, so that the transport stands in the middle.
+    auto* const bars = new QHBoxLayout;
+    bars->setContentsMargins(BarMargin, 0, BarMargin, 0);
+    bars->setSpacing(BarMargin);
+    bars->addWidget(mPanelToggles->Bar(), 1);
+    bars->addWidget(mTransport);
+    bars->addWidget(mVolumeBar->Bar(), 1);
+    mCenterLayout->addLayout(bars);
 
     mMediaLabel = MakeStatusLabel(this, "mediaLabel");
     mToolLabel = MakeStatusLabel(this, "toolLabel");
@@ -172,27 +282,50 @@ void PlayerWindow::CreateConnections()
     connect(mPlayback, SIGNAL(ActualFrameRateChanged(float)), this, SLOT(OnActualFrameRateChanged(float)));
     connect(mViewer, SIGNAL(PanZoomChangeRequested(QPointF, float, bool)), this,
             SLOT(OnPanZoomChangeRequested(QPointF, float, bool)));
-    connect(mViewer, SIGNAL(PlaybackToggled()), mPlayback, SLOT(TogglePlayback()));
+    connect(mViewer, SIGNAL(PlaybackToggled()), this, SLOT(OnViewerDoubleClicked()));
     connect(mTransport, SIGNAL(PlayForwardsPressed()), mPlayback, SLOT(ToggleForwards()));
     connect(mTransport, SIGNAL(PlayBackwardsPressed()), mPlayback, SLOT(ToggleBackwards()));
     connect(mTransport, SIGNAL(StepForwardsPressed()), mPlayback, SLOT(StepForwards()));
     connect(mTransport, SIGNAL(StepBackwardsPressed()), mPlayback, SLOT(StepBackwards()));
     connect(mTransport, SIGNAL(SeekStartPressed()), mPlayback, SLOT(GoToFirst()));
     connect(mTransport, SIGNAL(SeekEndPressed()), mPlayback, SLOT(GoToLast()));
-    connect(mTransport, SIGNAL(NextBookmarkPressed()), this, SLOT(GoToNextBookmark()));
-    connect(mTransport, SIGNAL(PreviousBookmarkPressed()), this, SLOT(GoToPreviousBookmark()));
+    connect(mTransport, SIGNAL(NextBookmarkPressed()), mBookmarks, SLOT(GoToNext()));
+    connect(mTransport, SIGNAL(PreviousBookmarkPressed()), mBookmarks, SLOT(GoToPrevious()));
     connect(mPlayback, SIGNAL(StateChanged(bool, bool)), mTransport,
             SLOT(OnPlaybackStateChanged(bool, bool)));
     connect(mInput, SIGNAL(FullPaintNeeded()), this, SLOT(RefreshViewers()));
     connect(mInput, SIGNAL(ViewerPressed(int)), this, SLOT(OnViewerPressed(int)));
-    connect(mStrokes, SIGNAL(OverlayChanged()), this, SLOT(PresentOverlays()));
-    connect(mStrokes, SIGNAL(DrawingsChanged(AnnotationStore*, int)), this,
-            SLOT(OnDrawingsChanged(AnnotationStore*, int)));
+    const StrokeController* const strokes = mAnnotation->Strokes();
+    connect(strokes, SIGNAL(OverlayChanged()), this, SLOT(PresentOverlays()));
+    connect(strokes, SIGNAL(DrawingsChanged(AnnotationStore*, int, bool)), this,
+            SLOT(OnDrawingsChanged(AnnotationStore*, int, bool)));
+    connect(mBookmarks, SIGNAL(DrawingsChanged(AnnotationStore*, int, bool)), this,
+            SLOT(OnDrawingsChanged(AnnotationStore*, int, bool)));
+    connect(mBookmarks, SIGNAL(BookmarksChanged(ProjectTimeline*, int, bool)), this,
+            SLOT(OnBookmarksChanged(ProjectTimeline*, int, bool)));
+    connect(mAnnotationBar, SIGNAL(ToolChanged()), this, SLOT(OnToolChanged()));
+    connect(mAnnotationBar, SIGNAL(GhostingChanged()), this, SLOT(OnGhostingChanged()));
+    connect(mAnnotationBar, SIGNAL(ClearFrameRequested(bool)), this, SLOT(ClearFrame(bool)));
+    connect(mVolumeBar, SIGNAL(LayoutRequested(int)), this, SLOT(SetLayout(int)));
+    connect(mCommands, SIGNAL(CommandRun()), this, SLOT(SyncBars()));
+    connect(mAnnotationBar, SIGNAL(ToolChanged()), mCommands, SLOT(UpdateSwitches()));
+    connect(mAnnotationBar, SIGNAL(GhostingChanged()), mCommands, SLOT(UpdateSwitches()));
+    connect(mVolumeBar, SIGNAL(LoopChanged()), mCommands, SLOT(UpdateSwitches()));
+    connect(mVolume, SIGNAL(MutedChanged(bool)), mCommands, SLOT(UpdateSwitches()));
+    connect(mPanels, SIGNAL(VisibilityChanged(QString, bool)), mCommands, SLOT(UpdateSwitches()));
+    connect(mCommands, SIGNAL(KeysChanged()), this, SLOT(OnKeysChanged()));
+    connect(mScripts, SIGNAL(DrawingsChanged(AnnotationStore*, int, bool)), this,
+            SLOT(OnDrawingsChanged(AnnotationStore*, int, bool)));
+    connect(mScripts, SIGNAL(BookmarksChanged(ProjectTimeline*, int, bool)), this,
+            SLOT(OnBookmarksChanged(ProjectTimeline*, int, bool)));
     connect(mLoader, SIGNAL(FrameFailed(int, int, QString)), this, SLOT(OnFrameFailed(int, int, QString)));
     connect(mTimelines, SIGNAL(GlobalPositionChangeRequested(bool)), this,
             SLOT(OnGlobalPositionChangeRequested(bool)));
     connect(mTimelines, SIGNAL(RangePositionChangeRequested(bool)), this,
             SLOT(OnRangePositionChangeRequested(bool)));
+    connect(mSettings, SIGNAL(Applied()), this, SLOT(OnSettingsChanged()));
+    connect(mSettings, SIGNAL(GhostingChanged()), this, SLOT(OnGhostingChanged()));
+    connect(mRecentFiles, SIGNAL(OpenRequested(QString)), this, SLOT(OnRecentFilePicked(QString)));
     connect(Logger::GetInstance(), SIGNAL(ErrorLogged(QString)), this, SLOT(OnLogged(QString)));
     connect(Logger::GetInstance(), SIGNAL(WarningLogged(QString)), this, SLOT(OnLogged(QString)));
 }
@@ -208,7 +341,7 @@ void PlayerWindow::ArrangeTimelines()
     {
         const bool atTop = isRange ? Settings::rangeTimelineAtTop : Settings::globalTimelineAtTop;
         const bool rangeIsAbove = !isRange && atTop && Settings::rangeTimelineAtTop;
-        QWidget* const below = rangeIsAbove ? static_cast<QWidget*>(range) : mViewer;
+        QWidget* const below = rangeIsAbove ? static_cast<QWidget*>(range) : mViewerRow;
         mCenterLayout->insertWidget(mCenterLayout->indexOf(below) + (atTop ? 0 : 1),
                                     isRange ? range : global);
     }
@@ -250,12 +383,57 @@ MediaLibrary* PlayerWindow::Media() const
 
 StrokeController* PlayerWindow::Strokes() const
 {
-    return mStrokes;
+    return mAnnotation->Strokes();
+}
+
+AnnotationController* PlayerWindow::Annotation() const
+{
+    return mAnnotation;
+}
+
+VolumeState* PlayerWindow::Volume() const
+{
+    return mVolume;
+}
+
+void PlayerWindow::OnKeysChanged()
+{
+    mAnnotationBar->UpdateHotkeys(mCommands);
 }
 
 PanelArea* PlayerWindow::Panels() const
 {
     return mPanels;
+}
+
+ConsoleBinding* PlayerWindow::Console() const
+{
+    return mConsole;
+}
+
+SettingsBinding* PlayerWindow::Preferences() const
+{
+    return mSettings;
+}
+
+ScriptBinding* PlayerWindow::Scripts() const
+{
+    return mScripts;
+}
+
+QUndoStack* PlayerWindow::UndoStack()
+{
+    return &mUndoStack;
+}
+
+QPointF PlayerWindow::Pan() const
+{
+    return mPan;
+}
+
+float PlayerWindow::Zoom() const
+{
+    return mZoom;
 }
 
 OutputBinding* PlayerWindow::Output() const
@@ -311,7 +489,7 @@ void PlayerWindow::UpdateStatus()
     if (!Settings::drawEnabled)
         mToolLabel->clear();
     else
-        mToolLabel->setText(Settings::annotationTool == Eraser ? tr("Eraser") : tr("Pencil"));
+        mToolLabel->setText(ToolName(Settings::annotationTool));
 }
 
 void PlayerWindow::dragEnterEvent(QDragEnterEvent* event)
@@ -326,14 +504,13 @@ void PlayerWindow::dropEvent(QDropEvent* event)
     if (paths.isEmpty())
         return;
     event->acceptProposedAction();
-    mMessages->Clear();
-    OpenFiles(paths, mStrokes->ViewerAt(mapToGlobal(event->pos())));
+    OpenForUser(paths, mAnnotation->Strokes()->ViewerAt(mapToGlobal(event->pos())));
 }
 
 void PlayerWindow::keyPressEvent(QKeyEvent* event)
 {
-    if (event->key() == Qt::Key_Escape && mStrokes->IsDrawing())
-        mStrokes->Cancel();
+    if (event->key() == Qt::Key_Escape && mAnnotation->IsBusy())
+        mAnnotation->EndEdits();
     else
         QMainWindow::keyPressEvent(event);
 }
@@ -346,6 +523,16 @@ void PlayerWindow::closeEvent(QCloseEvent* event)
         return;
     }
     mPlayback->Pause();
+    mAnnotation->EndEdits();
+    if (!mSettings->MayClose(!mUndoStack.isClean()))
+    {
+        event->ignore();
+        return;
+    }
+    mConsole->Close();
+    mAnnotationBar->WriteState();
+    mBookmarksBar->WriteState();
+    mVolumeBar->WriteState();
     Settings::WriteUserConfig();
     QMainWindow::closeEvent(event);
 }

@@ -1,33 +1,51 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "host/AnnotationToolType.h"
+#include "host/LoopType.h"
 #include "media/MediaReader.h"
+#include "window/OverlayPresenter.h"
 #include "window/ViewerBackEndChoice.h"
 
+#include <QColor>
 #include <QMainWindow>
 #include <QStringList>
 #include <QUndoStack>
 
 #include <memory>
+#include <tuple>
 #include <vector>
 
 struct Command;
+class AnnotationBarBinding;
+class AnnotationController;
 class AnnotationStore;
+class BookmarkController;
+class BookmarksBarBinding;
 class CommandTable;
+class ConsoleBinding;
 class FrameLoader;
 class MediaLibrary;
 class MessageBar;
 class OutputBinding;
 class PanelArea;
+class PanelTogglesBinding;
 class PlaybackControlWidget;
 class PlaybackController;
 class QLabel;
 class QMenu;
+class ProjectTimeline;
+class RecentFiles;
 class QVBoxLayout;
+class ScriptBinding;
+class SoundPlayer;
+class SettingsBinding;
 class StrokeController;
 class TimelineBinding;
 class ViewerInput;
 class ViewerWidget;
+class VolumeBarBinding;
+class VolumeState;
 
 /// The player's window: lays the library's widgets out and wires them to the controllers.
 class PlayerWindow : public QMainWindow
@@ -41,7 +59,6 @@ public:
 
     /// Opens @p paths: the first in viewer @p viewer, the others beside it in the list of media.
     void OpenFiles(const QStringList& paths, int viewer);
-    void SetLayout(int layout);
     /// Plays as soon as a medium is there.
     void PlayWhenReady();
     /// Draws a greeting on the first frames of the medium that opens first in viewer A.
@@ -52,9 +69,34 @@ public:
     ViewerWidget* Viewer() const;
     MediaLibrary* Media() const;
     StrokeController* Strokes() const;
+    ScriptBinding* Scripts() const;
+    QUndoStack* UndoStack();
+    /// Shows @p timeline, one of the media's, in viewer @p viewer.
+    void ShowTimeline(const std::shared_ptr<ProjectTimeline>& timeline, int viewer);
+    ConsoleBinding* Console() const;
+    /// Preferences, project settings, about box.
+    SettingsBinding* Preferences() const;
+    /// How the viewers are panned and zoomed, in ViewerWidget::SetPanAndZoom()'s terms.
+    QPointF Pan() const;
+    float Zoom() const;
+    void SetPanAndZoom(const QPointF& pan, float zoom);
+    void SetActiveViewer(int viewer);
+    /// Whether every viewer shows what it is to show, and nothing is being opened.
+    bool IsSettled() const;
+    AnnotationController* Annotation() const;
+    /// How loud it is to be.
+    VolumeState* Volume() const;
     OutputBinding* Output() const;
     /// The places of the panels round the viewers.
     PanelArea* Panels() const;
+
+public Q_SLOTS:
+    /// Has the window act on settings that have changed.
+    void OnSettingsChanged();
+    /// Shows the viewers in @p layout, a ViewerLayout value.
+    void SetLayout(int layout);
+    /// Brings the bars in line with the settings, after these changed.
+    void SyncBars();
 
 Q_SIGNALS:
     /// Every viewer that is to show a picture shows the one that it is to show, and nothing is being opened.
@@ -67,6 +109,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private Q_SLOTS:
+    void OnRecentFilePicked(const QString& path);
     void OnMediaOpened(int index, int viewer);
     void OnMediaFailed(const QString& text);
     void OnFrameFailed(int media, int frame, const QString& text);
@@ -75,13 +118,17 @@ private Q_SLOTS:
     void OnPlayingChanged();
     void OnActualFrameRateChanged(float rate);
     void OnViewerPressed(int viewer);
-    void OnDrawingsChanged(AnnotationStore* store, int frame);
+    void OnDrawingsChanged(AnnotationStore* store, int frame, bool replayed);
+    void OnBookmarksChanged(ProjectTimeline* timeline, int frame, bool replayed);
+    void OnGhostingChanged();
+    void OnToolChanged();
+    void OnKeysChanged();
+    void OnViewerDoubleClicked();
     void OnPanZoomChangeRequested(QPointF panInterpolation, float zoom, bool enabled);
     void OnLogged(const QString& text);
     void PresentOverlays();
     void RefreshViewers();
-    void GoToNextBookmark();
-    void GoToPreviousBookmark();
+    void ClearFrame(bool removeBookmark);
     void OnGlobalPositionChangeRequested(bool top);
     void OnRangePositionChangeRequested(bool top);
 
@@ -94,48 +141,60 @@ private:
     void AddFileCommands(std::vector<Command>& commands);
     void AddPlaybackCommands(std::vector<Command>& commands);
     void AddViewCommands(std::vector<Command>& commands);
-    void AddAnnotationCommands(std::vector<Command>& commands);
-    void AddBookmarkCommands(std::vector<Command>& commands);
 
     void OpenFromDialog(int viewer);
+    /// Opens @p paths as the user asks: in viewer @p viewer, or in a player of their own.
+    void OpenForUser(const QStringList& paths, int viewer);
     void ShowEntry(int index, int viewer);
     void ShowNeighbourEntry(int step);
     void UpdateMediaMenu();
     void UpdateStatus();
     void UpdateTitle();
-    void SetDrawEnabled(bool enabled);
-    void SelectTool(int tool);
-    void ChangeDrawWidth(float factor);
+    void SetAnnotationsVisible(bool visible);
+    /// Goes to @p frame of @p timeline, if a viewer shows it.
+    void ShowChange(const ProjectTimeline* timeline, int frame);
     void ZoomBy(float factor);
     void SetZoom(float zoom);
-    void SetActiveViewer(int viewer);
     void EmitIfSettled();
     void ArrangeTimelines();
-    void ToggleTimeBookmark();
-    void ToggleRangeBookmark();
-    void GoToBookmark(int direction);
     void StepSeconds(int seconds);
 
     FrameLoader* mLoader = nullptr;
     PlaybackController* mPlayback = nullptr;
     MediaLibrary* mMedia = nullptr;
+    SoundPlayer* mSound = nullptr;
     QUndoStack mUndoStack;
     ViewerWidget* mViewer = nullptr;
-    StrokeController* mStrokes = nullptr;
+    AnnotationController* mAnnotation = nullptr;
+    BookmarkController* mBookmarks = nullptr;
+    VolumeState* mVolume = nullptr;
+    OverlayPresenter mOverlays;
     ViewerInput* mInput = nullptr;
     TimelineBinding* mTimelines = nullptr;
     OutputBinding* mOutput = nullptr;
     PlaybackControlWidget* mTransport = nullptr;
+    AnnotationBarBinding* mAnnotationBar = nullptr;
+    BookmarksBarBinding* mBookmarksBar = nullptr;
+    VolumeBarBinding* mVolumeBar = nullptr;
+    PanelTogglesBinding* mPanelToggles = nullptr;
+    QWidget* mViewerRow = nullptr;
     QWidget* mCenter = nullptr;
     QVBoxLayout* mCenterLayout = nullptr;
     PanelArea* mPanels = nullptr;
     CommandTable* mCommands = nullptr;
     MessageBar* mMessages = nullptr;
+    ScriptBinding* mScripts = nullptr;
+    ConsoleBinding* mConsole = nullptr;
+    SettingsBinding* mSettings = nullptr;
+    RecentFiles* mRecentFiles = nullptr;
     QMenu* mMediaMenu = nullptr;
     QLabel* mMediaLabel = nullptr;
     QLabel* mToolLabel = nullptr;
     QLabel* mFrameLabel = nullptr;
     QLabel* mRateLabel = nullptr;
+    /// What the bars show of the settings.
+    using BarSettings = std::tuple<QColor, AnnotationToolType, bool, bool, LoopType, int, bool>;
+    BarSettings mShownBarSettings;
     bool mAnnotationsVisible = true;
     QPointF mPan;
     float mZoom = 1.0f;

@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "window/ViewerInput.h"
 
-#include "annotation/StrokeController.h"
+#include "annotation/AnnotationController.h"
 #include "host/Settings.h"
 #include "playback/PlaybackController.h"
+#include "project/ProjectTimeline.h"
 #include "viewers/ViewerWidget.h"
 
 #include <QApplication>
+#include <QCursor>
 #include <QMouseEvent>
+#include <QScreen>
 
 #include <algorithm>
 
@@ -19,9 +22,9 @@ constexpr double PixelsPerFrame = 4.0;
 
 } // namespace
 
-ViewerInput::ViewerInput(ViewerWidget* viewer, StrokeController* strokes, PlaybackController* playback,
+ViewerInput::ViewerInput(ViewerWidget* viewer, AnnotationController* annotation, PlaybackController* playback,
                          QObject* parent)
-    : QObject(parent), mViewer(viewer), mStrokes(strokes), mPlayback(playback)
+    : QObject(parent), mViewer(viewer), mAnnotation(annotation), mPlayback(playback)
 {
     viewer->installEventFilter(this);
     connect(viewer, SIGNAL(ScrubStateChanged(bool)), this, SLOT(OnScrubStateChanged(bool)));
@@ -34,6 +37,11 @@ bool ViewerInput::eventFilter(QObject* watched, QEvent* event)
     case QEvent::MouseButtonPress:
         Press(*static_cast<QMouseEvent*>(event));
         break;
+    case QEvent::MouseButtonDblClick:
+        // Two quick presses are two strokes.
+        if (Settings::drawEnabled)
+            Press(*static_cast<QMouseEvent*>(event));
+        break;
     case QEvent::MouseMove:
         Move(*static_cast<QMouseEvent*>(event));
         break;
@@ -42,7 +50,7 @@ bool ViewerInput::eventFilter(QObject* watched, QEvent* event)
         break;
     case QEvent::Leave:
         // The cursor's preview leaves with it.
-        if (Settings::drawEnabled && !mStrokes->IsDrawing())
+        if (Settings::drawEnabled && !mAnnotation->IsBusy())
             Q_EMIT FullPaintNeeded();
         break;
     case QEvent::Resize:
@@ -60,27 +68,28 @@ void ViewerInput::Press(const QMouseEvent& event)
     if (mScrubbing && event.button() != Qt::LeftButton)
         return;
     mPressPos = event.globalPos();
-    Q_EMIT ViewerPressed(mStrokes->ViewerAt(event.globalPos()));
+    Q_EMIT ViewerPressed(mAnnotation->Strokes()->ViewerAt(event.globalPos()));
     if (event.button() != Qt::LeftButton || !Settings::drawEnabled)
         return;
     mPlayback->HoldShownFrame();
-    mStrokes->Press(event.globalPos());
+    mAnnotation->Press(event.globalPos());
 }
 
 void ViewerInput::Move(const QMouseEvent& event)
 {
-    if (mStrokes->Move(event.globalPos()))
+    if (mAnnotation->Move(event.globalPos()))
         return;
     if (mScrubbing)
         Scrub(event.globalPos());
-    else if (Settings::drawEnabled && event.buttons() == Qt::NoButton && !mPlayback->IsPlaying())
+    else if (Settings::drawEnabled && event.buttons() == Qt::NoButton && !mPlayback->IsPlaying() &&
+             !mAnnotation->IsBusy())
         mViewer->RefreshAnnotations();
 }
 
 void ViewerInput::Release(const QMouseEvent& event)
 {
     if (event.button() == Qt::LeftButton)
-        mStrokes->Release(event.globalPos());
+        mAnnotation->Release(event.globalPos());
 }
 
 void ViewerInput::OnScrubStateChanged(bool enabled)
@@ -91,6 +100,7 @@ void ViewerInput::OnScrubStateChanged(bool enabled)
     {
         mPressFrame = mPlayback->CurrentFrame();
         mScrubMoved = false;
+        mWrappedTo.reset();
     }
     mScrubbing = enabled;
     mPlayback->SetScrubbing(enabled);
@@ -98,6 +108,11 @@ void ViewerInput::OnScrubStateChanged(bool enabled)
 
 void ViewerInput::Scrub(const QPoint& globalPos)
 {
+    // Moves from before the cursor was put elsewhere are still on their way.
+    const QScreen* const screen = QGuiApplication::screenAt(globalPos);
+    if (mWrappedTo && screen && std::abs(globalPos.x() - *mWrappedTo) > screen->geometry().width() / 2)
+        return;
+    mWrappedTo.reset();
     const int distance = globalPos.x() - mPressPos.x();
     // A click is no scrub: the hand may tremble.
     if (!mScrubMoved && std::abs(distance) < QApplication::startDragDistance())
@@ -107,6 +122,29 @@ void ViewerInput::Scrub(const QPoint& globalPos)
     const double length = range.last - range.first + 1;
     const double framesPerPixel = std::max(1.0 / PixelsPerFrame, length / std::max(mViewer->width(), 1));
     const int frame = range.Clamp(mPressFrame + static_cast<int64_t>(distance * framesPerPixel));
-    if (frame != mPlayback->CurrentFrame())
-        mPlayback->SeekFrame(frame);
+    const auto& lead = mPlayback->LeadingTimeline();
+    if (lead && frame != mPlayback->CurrentFrame())
+        mPlayback->SeekTime(lead->FrameToTime(frame) + Settings::ROUNDING_ERROR_EXTRA_TIME,
+                            Settings::audioScrub);
+    if (Settings::endlessMouseScurb)
+        WrapCursor(globalPos);
+}
+
+void ViewerInput::WrapCursor(const QPoint& globalPos)
+{
+    const QScreen* const screen = QGuiApplication::screenAt(globalPos);
+    if (!screen)
+        return;
+    const QRect area = screen->geometry();
+    int x = globalPos.x();
+    if (x <= area.left())
+        x = area.right() - 1;
+    else if (x >= area.right())
+        x = area.left() + 1;
+    else
+        return;
+    // The way that the hand has gone stays as long as it is.
+    mPressPos.rx() += x - globalPos.x();
+    mWrappedTo = x;
+    QCursor::setPos(x, globalPos.y());
 }

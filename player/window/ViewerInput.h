@@ -4,18 +4,21 @@
 #include <QObject>
 #include <QPoint>
 
+#include <optional>
+
+class AnnotationController;
 class PlaybackController;
 class QMouseEvent;
-class StrokeController;
 class ViewerWidget;
 
-/// Turns the mouse over the viewers into strokes while drawing is on, and into scrubbing while it is off.
+/// Hands the mouse over the viewers to the annotation tools while drawing is on, and into scrubbing while it
+/// is off.
 class ViewerInput : public QObject
 {
     Q_OBJECT
 
 public:
-    ViewerInput(ViewerWidget* viewer, StrokeController* strokes, PlaybackController* playback,
+    ViewerInput(ViewerWidget* viewer, AnnotationController* annotation, PlaybackController* playback,
                 QObject* parent);
 
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -35,12 +38,16 @@ private:
     void Move(const QMouseEvent& event);
     void Release(const QMouseEvent& event);
     void Scrub(const QPoint& globalPos);
+    /// Puts the cursor at the other edge of the screen when it has come to one, so that scrubbing goes on.
+    void WrapCursor(const QPoint& globalPos);
 
     ViewerWidget* mViewer;
-    StrokeController* mStrokes;
+    AnnotationController* mAnnotation;
     PlaybackController* mPlayback;
     bool mScrubbing = false;
     bool mScrubMoved = false;
     QPoint mPressPos;
+    /// Where the cursor was put and hasn't been seen yet.
+    std::optional<int> mWrappedTo;
     int mPressFrame = 1;
 };

@@ -2,11 +2,17 @@
 #include "viewers/ViewerWidget.h"
 
 #include "host/Settings.h"
+#include "kit/DragPayload.h"
+#include "kit/UiGlobals.h"
 #include "viewers/OpenGLViewer.h"
 #include "viewers/PanZoom.h"
 #include "viewers/SoftwareViewer.h"
 
+#include <QDragEnterEvent>
+#include <QDragMoveEvent>
+#include <QDropEvent>
 #include <QFocusEvent>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QResizeEvent>
 #include <QWheelEvent>
@@ -308,4 +314,39 @@ void ViewerWidget::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
     UpdatePanAndZoom();
+}
+
+bool ViewerWidget::CanDrop(const QMimeData* mimeData) const
+{
+    if (DragPayload::HasFiles(mimeData))
+        return true;
+    if (!DragPayload::HasProjectObjects(mimeData) ||
+        DragPayload::ReadIDs(mimeData->data(UiGlobals::PROJECT_OBJECT_UUID_MIME_TYPE)).size() >= 2)
+        return false;
+    const auto types = DragPayload::ReadAllowedDropTypes(mimeData);
+    return types && (types->sources || types->timelines);
+}
+
+void ViewerWidget::AcceptIfDroppable(QDropEvent* event) const
+{
+    if (CanDrop(event->mimeData()))
+        event->acceptProposedAction();
+}
+
+void ViewerWidget::dragEnterEvent(QDragEnterEvent* event)
+{
+    AcceptIfDroppable(event);
+}
+
+void ViewerWidget::dragMoveEvent(QDragMoveEvent* event)
+{
+    AcceptIfDroppable(event);
+}
+
+void ViewerWidget::dropEvent(QDropEvent* event)
+{
+    if (!CanDrop(event->mimeData()))
+        return;
+    Q_EMIT ViewerDropEvent(event, GetViewerIndexFromGlobal(mapToGlobal(event->pos())));
+    event->acceptProposedAction();
 }

@@ -13,6 +13,7 @@
 #include <QWidget>
 
 class OpenGLViewer;
+class QMimeData;
 class SoftwareViewer;
 class ViewerBackEnd;
 
@@ -94,6 +95,9 @@ Q_SIGNALS:
     void FocusLost();
     /// The user asked for another zoom or ended a pan. The host answers with SetPanAndZoom().
     void PanZoomChangeRequested(QPointF panInterpolation, float zoom, bool enabled);
+    /// Files or one timeline of the project tree were dropped on viewer @p index (0 or 1). The host opens
+    /// them there; it reads what is dropped from @p e during the signal, so it must be connected directly.
+    void ViewerDropEvent(QDropEvent* e, int index);
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
@@ -103,9 +107,14 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
 private:
     void Initialize();
+    bool CanDrop(const QMimeData* mimeData) const;
+    void AcceptIfDroppable(QDropEvent* event) const;
     void SetZoom(float value);
     void IncreaseZoom();
     void DecreaseZoom();

@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: MIT
+#include "views/MultiSelectTreeWidget.h"
+
+#include <QItemSelectionModel>
+#include <QMouseEvent>
+
+#include <algorithm>
+
+namespace
+{
+
+/// Lets a tree paint itself whole when it is done. To paint no more than a change of the selection needs, it
+/// would look for the place of every range.
+class WithoutPainting
+{
+public:
+    explicit WithoutPainting(QWidget* widget) : mWidget(widget), mWasEnabled(widget->updatesEnabled())
+    {
+        mWidget->setUpdatesEnabled(false);
+    }
+    ~WithoutPainting() { mWidget->setUpdatesEnabled(mWasEnabled); }
+    Q_DISABLE_COPY(WithoutPainting)
+
+private:
+    QWidget* mWidget;
+    bool mWasEnabled;
+};
+
+/// Appends whole rows from @p top to @p bottom below @p parent, to the last range where they go on from it.
+void AppendRows(QItemSelection& selection, const QAbstractItemModel* model, const QModelIndex& parent,
+                int top, int bottom)
+{
+    const int lastColumn = model->columnCount(parent) - 1;
+    QModelIndex first = model->index(top, 0, parent);
+    if (!selection.isEmpty() && selection.last().bottom() + 1 == top && selection.last().parent() == parent)
+    {
+        first = selection.last().topLeft();
+        selection.removeLast();
+    }
+    selection.append(QItemSelectionRange(first, model->index(bottom, lastColumn, parent)));
+}
+
+} // namespace
+
+MultiSelectTreeWidget::MultiSelectTreeWidget(QWidget* parent) : QTreeWidget(parent)
+{
+    setSelectionMode(QAbstractItemView::ExtendedSelection);
+}
+
+QList<QTreeWidgetItem*> MultiSelectTreeWidget::GetSelectedItemsInOrder() const
+{
+    // Asking each row whether it is selected searches all ranges of the selection each time.
+    QSet<QTreeWidgetItem*> selected;
+    const QModelIndexList indexes = selectionModel()->selectedIndexes();
+    for (const QModelIndex& index : indexes)
+    {
+        if (index.column() == 0)
+            selected << itemFromIndex(index);
+    }
+    QList<QTreeWidgetItem*> ordered;
+    ordered.reserve(selected.size());
+    AppendSelectedChildren(invisibleRootItem(), selected, ordered);
+    return ordered;
+}
+
+void MultiSelectTreeWidget::AppendSelectedChildren(QTreeWidgetItem* parent,
+                                                   const QSet<QTreeWidgetItem*>& selected,
+                                                   QList<QTreeWidgetItem*>& ordered) const
+{
+    for (int index = 0; index < parent->childCount() && ordered.size() < selected.size(); ++index)
+    {
+        QTreeWidgetItem* const child = parent->child(index);
+        if (selected.contains(child))
+            ordered << child;
+        AppendSelectedChildren(child, selected, ordered);
+    }
+}
+
+bool MultiSelectTreeWidget::IsChildOfAny(QTreeWidgetItem* item, const QList<QTreeWidgetItem*>& items) const
+{
+    return std::any_of(items.begin(), items.end(),
+                       [this, item](QTreeWidgetItem* parent) { return IsDescendant(item, parent); });
+}
+
+bool MultiSelectTreeWidget::IsDescendant(QTreeWidgetItem* item, QTreeWidgetItem* parent) const
+{
+    if (!item || !parent || !item->parent())
+        return false;
+    return item->parent() == parent || IsDescendant(item->parent(), parent);
+}
+
+void MultiSelectTreeWidget::ReplaceRows(const QList<QTreeWidgetItem*>& rows,
+                                        const QSet<QTreeWidgetItem*>& expanded,
+                                        const QList<QTreeWidgetItem*>& selected)
+{
+    const WithoutPainting withoutPainting(this);
+    clear();
+    addTopLevelItems(rows);
+    if (!expanded.isEmpty())
+        ExpandBelow(QModelIndex(), expanded);
+    QItemSelection selection;
+    for (const QTreeWidgetItem* const row : selected)
+    {
+        const QModelIndex index = indexFromItem(row);
+        AppendRows(selection, model(), index.parent(), index.row(), index.row());
+    }
+    if (!selection.isEmpty())
+        selectionModel()->select(selection, QItemSelectionModel::Select);
+}
+
+void MultiSelectTreeWidget::ExpandBelow(const QModelIndex& parent, const QSet<QTreeWidgetItem*>& expanded)
+{
+    // Going down from the top tells each row's place, for which the tree would search among its siblings.
+    const int count = model()->rowCount(parent);
+    for (int row = 0; row < count; ++row)
+    {
+        const QModelIndex index = model()->index(row, 0, parent);
+        if (expanded.contains(itemFromIndex(index)))
+            setExpanded(index, true);
+        ExpandBelow(index, expanded);
+    }
+}
+
+void MultiSelectTreeWidget::UnselectRows(const QSet<QTreeWidgetItem*>& rows)
+{
+    bool isChanged = false;
+    QItemSelection kept;
+    const QItemSelection selection = selectionModel()->selection();
+    for (const QItemSelectionRange& range : selection)
+    {
+        const QModelIndex parent = range.parent();
+        for (int row = range.top(); row <= range.bottom(); ++row)
+        {
+            if (rows.contains(itemFromIndex(model()->index(row, 0, parent))))
+                isChanged = true;
+            else
+                AppendRows(kept, model(), parent, row, row);
+        }
+    }
+    if (!isChanged)
+        return;
+    // Taking the rows out of each range would compare all ranges with each other.
+    const WithoutPainting withoutPainting(this);
+    selectionModel()->clearSelection();
+    selectionModel()->select(kept, QItemSelectionModel::Select);
+}
+
+void MultiSelectTreeWidget::mouseMoveEvent(QMouseEvent* event)
+{
+    if (selectionModel()->hasSelection())
+        QTreeView::mouseMoveEvent(event);
+}
