@@ -31,6 +31,7 @@
 #include "window/PanelArea.h"
 #include "window/PanelTogglesBinding.h"
 #include "window/ProjectBinding.h"
+#include "window/ProjectPanelBinding.h"
 #include "window/ProjectPlaybackBinding.h"
 #include "window/PropertiesBinding.h"
 #include "window/RecentFiles.h"
@@ -204,6 +205,9 @@ void PlayerWindow::CreateWidgets()
     mProperties = new PropertiesBinding(mProject, mPlayback, mPanels, this);
     mElements = new ElementPanelBinding(mProject, mPlayback, mPanels, this);
     mProjects = new ProjectBinding(mProject, mPlayback, mAnnotation, ProjectJournal::DefaultFolder(), this);
+    auto* const projectPanel = new ProjectPanelBinding(mProject, mViewer, mPanels, this);
+    connect(projectPanel, &ProjectPanelBinding::ShowRequested, this, &PlayerWindow::ShowTimeline);
+    connect(projectPanel, SIGNAL(ImportStarted(ProjectImport*)), mProjects, SLOT(Watch(ProjectImport*)));
     mAnnotationBar = new AnnotationBarBinding(mAnnotation, mViewerRow, this);
     mBookmarksBar = new BookmarksBarBinding(mBookmarks, mCenter, this);
     mVolumeBar = new VolumeBarBinding(mVolume, mCenter, this);

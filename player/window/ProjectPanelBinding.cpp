@@ -9,7 +9,6 @@
 #include "project/ProjectTimeline.h"
 #include "viewers/ViewerWidget.h"
 #include "views/ProjectView.h"
-#include "window/ImportProgress.h"
 #include "window/PanelArea.h"
 
 #include <QDropEvent>
@@ -21,7 +20,6 @@
 #include <QScrollBar>
 #include <QShortcut>
 #include <QTreeWidget>
-#include <QVBoxLayout>
 
 namespace
 {
@@ -51,20 +49,13 @@ ProjectPanelBinding::ProjectPanelBinding(Project* project, ViewerWidget* viewer,
                                          QObject* parent)
     : QObject(parent), mProject(project)
 {
-    auto* const panel = new QWidget;
-    auto* const layout = new QVBoxLayout(panel);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
-    mView = new ProjectView(panel);
+    mView = new ProjectView;
     mView->setObjectName(QStringLiteral("projectView"));
     // Names take what the columns of viewer and default leave, however wide the panel is.
     Tree()->header()->setStretchLastSection(false);
     Tree()->header()->setSectionResizeMode(0, QHeaderView::Stretch);
     Tree()->setColumnHidden(3, true);
-    mProgress = new ImportProgress(panel);
-    layout->addWidget(mView);
-    layout->addWidget(mProgress);
-    panels->SetPanel(QStringLiteral("project"), panel);
+    panels->SetPanel(QStringLiteral("project"), mView);
     const struct
     {
         Qt::Key key;
@@ -114,11 +105,6 @@ ProjectPanelBinding::ProjectPanelBinding(Project* project, ViewerWidget* viewer,
 ProjectView* ProjectPanelBinding::View() const
 {
     return mView;
-}
-
-ImportProgress* ProjectPanelBinding::Progress() const
-{
-    return mProgress;
 }
 
 QTreeWidget* ProjectPanelBinding::Tree() const
@@ -209,7 +195,7 @@ void ProjectPanelBinding::ImportByDialog()
     const QStringList paths =
         QFileDialog::getOpenFileNames(mView->window(), tr("Import Media"), QString(), MediaFilter());
     if (!paths.isEmpty())
-        Follow(mProject->Import(paths, folder));
+        Q_EMIT ImportStarted(mProject->Import(paths, folder));
 }
 
 void ProjectPanelBinding::OnRemoveRequested()
@@ -242,12 +228,7 @@ void ProjectPanelBinding::OnReplaceSourceRequested(QUuid id, QString newPath, QS
 
 void ProjectPanelBinding::OnInsertSourcesRequested(QList<QString> paths, QUuid parentID, QList<int> indices)
 {
-    Follow(mProject->Import(paths, parentID, indices));
-}
-
-void ProjectPanelBinding::Follow(ProjectImport* import)
-{
-    mProgress->Follow(import);
+    Q_EMIT ImportStarted(mProject->Import(paths, parentID, indices));
 }
 
 void ProjectPanelBinding::OnViewerChangeRequested(std::weak_ptr<Timeline> timeline, int viewer)

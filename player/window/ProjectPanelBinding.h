@@ -9,7 +9,6 @@
 
 #include <memory>
 
-class ImportProgress;
 class PanelArea;
 class Project;
 class ProjectImport;
@@ -28,20 +27,20 @@ class ProjectPanelBinding : public QObject
     Q_OBJECT
 
 public:
-    /// The view goes into the place "project" of @p panels, with the progress of imports below it. Timelines
-    /// that are dropped on @p viewer, which may be null, are asked for as those of the menu are; files that
-    /// are dropped there are left to the window.
+    /// The view goes into the place "project" of @p panels. Timelines that are dropped on @p viewer, which
+    /// may be null, are asked for as those of the menu are; files that are dropped there are left to the
+    /// window.
     ProjectPanelBinding(Project* project, ViewerWidget* viewer, PanelArea* panels, QObject* parent);
 
     ProjectView* View() const;
-    /// Where imports show how far they are; others may hand theirs in.
-    ImportProgress* Progress() const;
 
 public Q_SLOTS:
     /// Lets the user choose media and imports them to where the selection is.
     void ImportByDialog();
 
 Q_SIGNALS:
+    /// Media are being imported; the import tells its progress.
+    void ImportStarted(ProjectImport* import);
     /// @p timeline is to be shown in viewer @p viewer (0 or 1); null asks for that viewer to be cleared. The
     /// window answers with Project::NoteViewer().
     void ShowRequested(const std::shared_ptr<ProjectTimeline>& timeline, int viewer);
@@ -69,11 +68,9 @@ private:
     QTreeWidget* Tree() const;
     /// Selects the object @p id alone, with its folders open, and lets the user type its name.
     void SelectAndRename(const QUuid& id);
-    void Follow(ProjectImport* import);
 
     Project* mProject;
     ProjectView* mView;
-    ImportProgress* mProgress;
     /// What one drop moves: the objects, where they go, and the place of the first.
     QList<QUuid> mMovedIDs;
     QUuid mMovedParentID;
