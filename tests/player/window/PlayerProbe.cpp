@@ -5,6 +5,7 @@
 #include "playback/PlaybackController.h"
 #include "support/InputEvents.h"
 #include "viewers/ViewerWidget.h"
+#include "window/PanelArea.h"
 #include "window/PlayerWindow.h"
 
 #include <QGuiApplication>
@@ -67,6 +68,13 @@ int NumberOnScreen(PlayerWindow* window, int viewer)
 QWidget* Part(PlayerWindow* window, const char* name)
 {
     return window->findChild<QWidget*>(QLatin1String(name));
+}
+
+void HidePanels(PlayerWindow* window)
+{
+    for (const QString& name : window->Panels()->Names())
+        window->Panels()->SetVisible(name, false);
+    QCoreApplication::processEvents();
 }
 
 void Click(QWidget* widget, Qt::MouseButton button)
