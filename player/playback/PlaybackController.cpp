@@ -439,7 +439,7 @@ void PlaybackController::MovePlayhead(int frame, int direction)
     for (Viewer& viewer : mViewers)
     {
         if (viewer.timeline)
-            viewer.wanted = viewer.timeline->TimeToFrame(time);
+            viewer.wanted = viewer.timeline->FrameCount() > 0 ? viewer.timeline->TimeToFrame(time) : 0;
     }
     RequestFrames(direction);
     Q_EMIT PlayheadMoved(CurrentTime());
@@ -607,8 +607,7 @@ void PlaybackController::StartClock()
     mStart = PlaybackPosition{mCurrentFrame, mPosition.direction, false};
     mStartLoopType = Settings::loopType;
     mLastStep = 0;
-    mClock->Start(
-        PlaybackStart{LeadingTimeline()->Rate(), mStart, mRange, mStartLoopType, mSpeed, mStepped});
+    mClock->Start(PlaybackStart{LeadingTimeline()->Rate(), mStart, mRange, mStartLoopType, mSpeed, mStepped});
     ScheduleTick();
 }
 

@@ -64,7 +64,7 @@ public:
     int CurrentFrame() const;
     /// Time (microseconds) of the leading timeline under the playhead: the start of its frame.
     int64_t CurrentTime() const;
-    /// Frame that viewer @p viewer is to show; 0 if it has no timeline.
+    /// Frame that viewer @p viewer is to show; 0 if it has no timeline or an empty one.
     int WantedFrame(int viewer) const;
     /// Frame whose picture viewer @p viewer shows; 0 if it shows none.
     int ShownFrame(int viewer) const;

@@ -51,6 +51,7 @@
 #include <QScreen>
 #include <QStatusBar>
 #include <QTimer>
+#include <QUndoStack>
 #include <QUrl>
 #include <QVBoxLayout>
 
@@ -289,6 +290,9 @@ void PlayerWindow::CreateLayout()
 
 void PlayerWindow::CreateConnections()
 {
+    // Directly, since what is dropped is read during the signal.
+    connect(mViewer, SIGNAL(ViewerDropEvent(QDropEvent*, int)), this, SLOT(OnViewerDropped(QDropEvent*, int)),
+            Qt::DirectConnection);
     connect(mProjects, &ProjectBinding::MediumOpened, this, &PlayerWindow::OnMediumOpened);
     connect(mProjects, &ProjectBinding::ShowRequested, this, &PlayerWindow::OnShowRequested);
     connect(mProjects, SIGNAL(Updated()), this, SLOT(OnProjectUpdated()));
@@ -535,6 +539,13 @@ void PlayerWindow::dropEvent(QDropEvent* event)
     OpenForUser(paths, mAnnotation->Strokes()->ViewerAt(mapToGlobal(event->pos())));
 }
 
+void PlayerWindow::OnViewerDropped(QDropEvent* event, int viewer)
+{
+    const QStringList paths = LocalFiles(event->mimeData());
+    if (!paths.isEmpty())
+        OpenForUser(paths, viewer);
+}
+
 void PlayerWindow::keyPressEvent(QKeyEvent* event)
 {
     if (event->key() == Qt::Key_Escape && mAnnotation->IsBusy())
@@ -545,14 +556,10 @@ void PlayerWindow::keyPressEvent(QKeyEvent* event)
 
 void PlayerWindow::closeEvent(QCloseEvent* event)
 {
-    if (!mOutput->MayClose())
-    {
-        event->ignore();
-        return;
-    }
     mPlayback->Pause();
     mAnnotation->EndEdits();
-    if (!mProjects->MayDrop())
+    // An export is stopped only when nothing else keeps the window open.
+    if (!mProjects->MayDrop() || !mOutput->MayClose())
     {
         event->ignore();
         return;

@@ -33,6 +33,7 @@ class PlaybackControlWidget;
 class PlaybackController;
 class QLabel;
 class QMenu;
+class QUndoStack;
 class Project;
 class ProjectBinding;
 class ProjectTimeline;
@@ -113,6 +114,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private Q_SLOTS:
+    void OnViewerDropped(QDropEvent* event, int viewer);
     void OnRecentFilePicked(const QString& path);
     void OnMediumOpened(const std::shared_ptr<ProjectTimeline>& timeline);
     void OnShowRequested(const std::shared_ptr<ProjectTimeline>& timeline, int viewer);

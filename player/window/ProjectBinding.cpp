@@ -205,7 +205,7 @@ bool ProjectBinding::OpenProject(const QString& path)
     QString error;
     if (!mProject->Open(path, &error))
     {
-        Logger::GetInstance()->Error(error);
+        TellErrors({error});
         return false;
     }
     AddRecent(path);
@@ -307,7 +307,10 @@ void ProjectBinding::Watch(ProjectImport* import)
 void ProjectBinding::TellErrors(const QStringList& errors)
 {
     for (const QString& error : errors)
+    {
         Logger::GetInstance()->Error(error);
+        Q_EMIT OpenFailed(error);
+    }
 }
 
 void ProjectBinding::OpenMedia(const QStringList& paths, int viewer)
@@ -347,17 +350,17 @@ void ProjectBinding::OnOpened(const ProjectImport::Result& result, int viewer)
     const auto first = result.sources.isEmpty() ? nullptr : mProject->FindSource(result.sources.first());
     if (result.openMedium >= 0)
         mPlayback->Lanes().TakeOver(first ? first->GetMediaSource() : nullptr, result.openMedium);
-    for (const QUuid& id : result.sources)
-    {
-        if (const auto source = mProject->FindSource(id))
-            Q_EMIT MediumOpened(source);
-    }
     // Media that are opened beside others go to viewer A only while nothing is there.
     const auto shown = mPlayback->TimelineOf(0);
     if (viewer < 0 && (!shown || shown->FrameCount() == 0) && !mProject->IsReading())
         viewer = 0;
     if (first && viewer >= 0)
         Q_EMIT ShowRequested(first, viewer);
+    for (const QUuid& id : result.sources)
+    {
+        if (const auto source = mProject->FindSource(id))
+            Q_EMIT MediumOpened(source);
+    }
     Q_EMIT Updated();
 }
 

@@ -73,7 +73,9 @@ public Q_SLOTS:
 Q_SIGNALS:
     /// Viewer @p viewer is to show @p timeline; an empty pointer clears it.
     void ShowRequested(const std::shared_ptr<ProjectTimeline>& timeline, int viewer);
-    /// The source with timeline @p timeline was opened for viewing.
+    /// A medium or project that was to be opened can't be; @p text says which and why.
+    void OpenFailed(const QString& text);
+    /// The source with timeline @p timeline was opened for viewing, and is shown if it was to be.
     void MediumOpened(const std::shared_ptr<ProjectTimeline>& timeline);
     /// An import has ended, or the project has changed: what depends on it is out of date.
     void Updated();

@@ -12,11 +12,13 @@
 #include "scripting/CommandPort.h"
 #include "scripting/ScriptEngine.h"
 #include "window/PlayerWindow.h"
+#include "window/ProjectBinding.h"
 #include "window/ViewerBackEndChoice.h"
 
 #include <QApplication>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QUndoStack>
 
 ScriptBinding::ScriptBinding(PlayerWindow* window)
     : QObject(window), mWindow(window), mEngine(new ScriptEngine(this, this))
