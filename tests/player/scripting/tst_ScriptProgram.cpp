@@ -57,9 +57,9 @@ void tst_ScriptProgram::init()
     environment.insert("PYTHONHOME", "/nowhere");
     environment.insert("XDG_CONFIG_HOME", mFolder->path());
     // What an earlier player left would be offered for recovery.
-    environment.insert("XDG_STATE_HOME", mFolder->path());
-    environment.insert("XDG_DATA_HOME", mFolder->path());
-    environment.insert("XDG_CACHE_HOME", mFolder->path());
+    environment.insert("XDG_STATE_HOME", mFolder->filePath("state"));
+    environment.insert("XDG_DATA_HOME", mFolder->filePath("data"));
+    environment.insert("XDG_CACHE_HOME", mFolder->filePath("cache"));
     environment.insert("XDG_RUNTIME_DIR", mFolder->path());
     mProgram->setProcessEnvironment(environment);
 }
@@ -261,10 +261,6 @@ void tst_ScriptProgram::TheExampleOfTheDocumentWorks()
     text.replace("port = 17171", QStringLiteral("port = %1").arg(port));
     QProcess example;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    // What an earlier player left would be offered for recovery.
-    environment.insert("XDG_STATE_HOME", mFolder->path());
-    environment.insert("XDG_DATA_HOME", mFolder->path());
-    environment.insert("XDG_CACHE_HOME", mFolder->path());
     environment.insert("XDG_RUNTIME_DIR", mFolder->path());
     example.setProcessEnvironment(environment);
     example.start(QStringLiteral("/usr/bin/python3"), {"-c", text});
