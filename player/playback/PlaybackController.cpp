@@ -549,7 +549,8 @@ void PlaybackController::RequestFrame(int viewerIndex, int direction)
 void PlaybackController::ShowNothing(int viewerIndex)
 {
     const Viewer& viewer = mViewers[viewerIndex];
-    if (viewer.shown != viewer.wanted)
+    // An empty timeline wants no frame, and takes away what was shown before it.
+    if (viewer.shown != viewer.wanted || viewer.wanted == 0)
         Show(viewerIndex, viewer.wanted, ReadResult{ReadStatus::Missing, QImage(), QString()});
 }
 

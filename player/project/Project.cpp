@@ -16,6 +16,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <cmath>
 
 namespace
 {
@@ -36,6 +37,11 @@ bool SameDrawings(const TimelineState& a, const TimelineState& b)
     return std::equal(a.drawings.begin(), a.drawings.end(), b.drawings.begin(), b.drawings.end(),
                       [](const auto& x, const auto& y)
                       { return x.first == y.first && x.second.isSharedWith(y.second); });
+}
+
+bool IsFinite(const PanZoom& view)
+{
+    return std::isfinite(view.pan.x()) && std::isfinite(view.pan.y()) && std::isfinite(view.zoom);
 }
 
 void TurnViewsOff(const ProjectContent& content)
@@ -112,7 +118,6 @@ bool Project::Save(const QString& path, QString* error)
         return false;
     const bool isOther = absolute != mPath;
     mPath = absolute;
-    mRecovered = false;
     mUndoStack.setClean();
     if (isOther)
         Q_EMIT TitleChanged();
@@ -123,7 +128,6 @@ bool Project::Save(const QString& path, QString* error)
 void Project::Recover(ProjectContent content, const QString& path)
 {
     TakeOver(std::move(content), path);
-    mRecovered = true;
     mUndoStack.resetClean();
     Q_EMIT BaseChanged();
 }
@@ -136,7 +140,6 @@ void Project::TakeOver(ProjectContent content, const QString& path)
     mReads->CancelAll();
     // Steps hold objects of the old content until they are gone.
     mUndoStack.clear();
-    mRecovered = false;
     mContent = std::move(content);
     mPath = path;
     Q_EMIT Reset();
@@ -164,21 +167,6 @@ bool Project::IsModified() const
     return !mUndoStack.isClean();
 }
 
-bool Project::HasUnsavedWork() const
-{
-    if (!IsModified())
-        return false;
-    if (mRecovered || !mPath.isEmpty())
-        return true;
-    for (int index = 0; index < mUndoStack.index(); ++index)
-    {
-        const auto* const command = dynamic_cast<const ProjectCommand*>(mUndoStack.command(index));
-        if (!command || !command->IsForViewing())
-            return true;
-    }
-    return false;
-}
-
 QUndoStack* Project::UndoStack()
 {
     return &mUndoStack;
@@ -204,7 +192,7 @@ void Project::SetSettings(const ProjectSettings& settings)
     Changes changes{change};
     if (!qFuzzyCompare(settings.imageSequenceFrameRate, mContent.settings.imageSequenceFrameRate))
         AppendRetimes(changes, FrameRate::FromPerSecond(settings.imageSequenceFrameRate));
-    Push({tr("Project Settings"), {}, false}, changes);
+    Push({tr("Project Settings"), {}}, changes);
 }
 
 QString Project::SourceRootPath() const
@@ -291,7 +279,7 @@ bool Project::Push(const Step& step, const Changes& changes)
         return false;
     // Not while the step is done: what is in progress may end in a step of its own.
     Q_EMIT AboutToChange();
-    mUndoStack.push(new ProjectCommand(this, step.text, changes, step.mergeKey, step.forViewing));
+    mUndoStack.push(new ProjectCommand(this, step.text, changes, step.mergeKey));
     return true;
 }
 
@@ -485,6 +473,26 @@ void Project::NoteBookmarks(const QUuid& timelineID)
     change.object = timeline;
     change.state.after = std::make_shared<const TimelineState>(TimelineState::Of(*timeline));
     Q_EMIT BookmarksChanged(timelineID);
+    Q_EMIT ChangeApplied(change);
+    Q_EMIT Changed();
+}
+
+void Project::NoteView(const QUuid& timelineID, const QPointF& pan, float zoom, bool enabled)
+{
+    const PanZoom view{pan, zoom, enabled};
+    const std::shared_ptr<ProjectTimeline> timeline = FindTimeline(timelineID);
+    if (!timeline || timeline->View() == view || !IsFinite(view))
+        return;
+    ProjectChange change;
+    change.kind = ProjectChange::Kind::State;
+    change.id = timelineID;
+    change.object = timeline;
+    TimelineState state = TimelineState::Of(*timeline);
+    change.state.before = std::make_shared<const TimelineState>(state);
+    state.view = view;
+    change.state.after = std::make_shared<const TimelineState>(state);
+    timeline->SetView(view);
+    Q_EMIT PropertiesChanged(timelineID);
     Q_EMIT ChangeApplied(change);
     Q_EMIT Changed();
 }

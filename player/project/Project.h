@@ -72,10 +72,7 @@ public:
     QString Title() const;
     /// Whether there are changes that the file doesn't hold.
     bool IsModified() const;
-    /// Whether closing would lose something worth asking about: changes other than media opened for a look in
-    /// an untitled project.
-    bool HasUnsavedWork() const;
-    /// Every change of the project is one of its steps.
+    /// Every change of the project is one of its steps, but for what the Note… operations tell.
     QUndoStack* UndoStack();
     /// What the project holds, for writing it.
     const ProjectContent& Content() const;
@@ -125,8 +122,8 @@ public:
     /// it holds one medium alone.
     ///
     /// Reading goes on behind; the import is one step of the undo stack once it is done. The returned object
-    /// tells its progress, takes a cancel, and deletes itself after it has finished. @p forViewing marks an
-    /// import that is no work to be lost; see HasUnsavedWork().
+    /// tells its progress, takes a cancel, and deletes itself after it has finished. With @p forViewing the
+    /// media are but opened for a look: that is no step, and no change to be saved.
     ProjectImport* Import(const QList<QString>& paths, const QUuid& parentID = QUuid(),
                           const QList<int>& indices = QList<int>(), bool forViewing = false);
     /// Whether any medium is being read for the project.
@@ -181,7 +178,8 @@ public:
     // are one step of the undo stack.
 
     /// Sets the frames that playback stays within, from 1, both included and clamped to the timeline.
-    bool SetRange(const QUuid& timelineID, int first, int last);
+    /// With @p merges the change is one step with the last one of its kind.
+    bool SetRange(const QUuid& timelineID, int first, int last, bool merges = true);
     bool SetPanZoom(const QUuid& timelineID, const QPointF& pan, float zoom, bool enabled);
     /// Has the timeline's elements play their sources' ranges alone.
     bool SetUseSourceInOuts(const QUuid& timelineID, bool enabled);
@@ -199,6 +197,8 @@ public Q_SLOTS:
     void NoteDrawings(AnnotationStore* annotations, int frame);
     /// Tells that a step that isn't the project's own has changed the timeline's bookmarks.
     void NoteBookmarks(const QUuid& timelineID);
+    /// Tells that the timeline is looked at with another pan and zoom. No step of the undo stack.
+    void NoteView(const QUuid& timelineID, const QPointF& pan, float zoom, bool enabled);
     /// Tells that the timeline @p id shows in viewer @p viewer, or in none (-1): ObjectChanged() follows.
     void NoteViewer(const QUuid& id, int viewer);
     /// Tells that the medium of the source @p id was found to be @p info; what hangs on it follows. No step
@@ -261,7 +261,6 @@ private:
         QString text;
         /// Steps of one key that follow each other within a moment are one; empty for one of its own.
         QString mergeKey;
-        bool forViewing = false;
     };
 
     // What changes is done by steps, these by changes.
@@ -302,6 +301,4 @@ private:
     QString mPath;
     QUndoStack mUndoStack;
     MediumReads* mReads;
-    /// Taken over from a journal, and not saved since.
-    bool mRecovered = false;
 };

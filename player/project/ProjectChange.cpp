@@ -30,7 +30,11 @@ void SetState(ProjectContent& content, const ProjectChange& change)
     if (!timeline)
         return;
     content.Unregister(timeline);
-    change.state.after->ApplyTo(*timeline);
+    TimelineState target = *change.state.after;
+    // The view changes without steps too; one that isn't part of this change stays.
+    if (change.state.before && change.state.before->view == target.view)
+        target.view = timeline->View();
+    target.ApplyTo(*timeline);
     content.Register(timeline);
 }
 

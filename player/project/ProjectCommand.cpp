@@ -15,13 +15,8 @@ constexpr int ProjectCommandID = 1;
 } // namespace
 
 ProjectCommand::ProjectCommand(Project* project, const QString& text, const QVector<ProjectChange>& changes,
-                               const QString& mergeKey, bool forViewing)
-    : QUndoCommand(text)
-    , mProject(project)
-    , mChanges(changes)
-    , mMergeKey(mergeKey)
-    , mMergeUntil(MergeTime)
-    , mForViewing(forViewing)
+                               const QString& mergeKey)
+    : QUndoCommand(text), mProject(project), mChanges(changes), mMergeKey(mergeKey), mMergeUntil(MergeTime)
 {
 }
 

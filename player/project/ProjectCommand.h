@@ -16,10 +16,7 @@ public:
     /// Steps of one @p mergeKey that follow each other within a second are one; with an empty one it stays
     /// its own.
     ProjectCommand(Project* project, const QString& text, const QVector<ProjectChange>& changes,
-                   const QString& mergeKey, bool forViewing);
-
-    /// Whether the step but opened media for a look.
-    bool IsForViewing() const { return mForViewing; }
+                   const QString& mergeKey);
 
     void undo() override;
     void redo() override;
@@ -31,5 +28,4 @@ private:
     QVector<ProjectChange> mChanges;
     QString mMergeKey;
     QDeadlineTimer mMergeUntil;
-    bool mForViewing;
 };

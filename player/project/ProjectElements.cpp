@@ -53,7 +53,7 @@ bool Project::ChangeElements(const QUuid& timelineID, const QString& text, Eleme
         return false;
     Changes changes;
     AppendStates(changes, {timeline}, [&] { timeline->SetElements(elements); });
-    return Push({text, {}, false}, changes);
+    return Push({text, {}}, changes);
 }
 
 QList<QUuid> Project::InsertElements(const QUuid& timelineID, const QList<QUuid>& sourceIDs,
@@ -129,9 +129,9 @@ bool Project::SortElements(const QUuid& timelineID, bool ascending)
     return ChangeElements(timelineID, ascending ? tr("Sort Ascending") : tr("Sort Descending"), elements);
 }
 
-bool Project::SetRange(const QUuid& timelineID, int first, int last)
+bool Project::SetRange(const QUuid& timelineID, int first, int last, bool merges)
 {
-    return ChangeState(timelineID, {tr("Range"), KeyOf("range", timelineID), false},
+    return ChangeState(timelineID, {tr("Range"), merges ? KeyOf("range", timelineID) : QString()},
                        [&](ProjectTimeline& timeline)
                        {
                            const std::optional<PlaybackRange> before = timeline.RangeAsSet();
@@ -146,7 +146,7 @@ bool Project::SetPanZoom(const QUuid& timelineID, const QPointF& pan, float zoom
 {
     if (!std::isfinite(pan.x()) || !std::isfinite(pan.y()) || !std::isfinite(zoom))
         return false;
-    return ChangeState(timelineID, {tr("Pan and Zoom"), KeyOf("view", timelineID), true},
+    return ChangeState(timelineID, {tr("Pan and Zoom"), KeyOf("view", timelineID)},
                        [&](ProjectTimeline& timeline)
                        {
                            const PanZoom view{pan, zoom, enabled};
@@ -162,7 +162,7 @@ bool Project::SetUseSourceInOuts(const QUuid& timelineID, bool enabled)
     const std::shared_ptr<ElementTimeline> timeline = FindElementTimeline(timelineID);
     if (!timeline || timeline->UsesSourceRanges() == enabled)
         return false;
-    return ChangeState(timelineID, {tr("Apply Source Ranges"), {}, false},
+    return ChangeState(timelineID, {tr("Apply Source Ranges"), {}},
                        [&](ProjectTimeline&)
                        {
                            timeline->SetUsesSourceRanges(enabled);
@@ -172,7 +172,7 @@ bool Project::SetUseSourceInOuts(const QUuid& timelineID, bool enabled)
 
 bool Project::AddBookmark(const QUuid& timelineID, int frame)
 {
-    return ChangeState(timelineID, {tr("Mark Frame"), {}, false},
+    return ChangeState(timelineID, {tr("Mark Frame"), {}},
                        [&](ProjectTimeline& timeline)
                        {
                            if (frame < 1 || frame > timeline.FrameCount() ||
@@ -185,7 +185,7 @@ bool Project::AddBookmark(const QUuid& timelineID, int frame)
 
 bool Project::RemoveBookmark(const QUuid& timelineID, int frame)
 {
-    return ChangeState(timelineID, {tr("Unmark Frame"), {}, false},
+    return ChangeState(timelineID, {tr("Unmark Frame"), {}},
                        [&](ProjectTimeline& timeline)
                        {
                            if (!timeline.MarkedFrames().contains(frame))
@@ -197,7 +197,7 @@ bool Project::RemoveBookmark(const QUuid& timelineID, int frame)
 
 bool Project::AddRangeBookmark(const QUuid& timelineID, int first, int last, const QString& note)
 {
-    return ChangeState(timelineID, {tr("Mark Range"), {}, false},
+    return ChangeState(timelineID, {tr("Mark Range"), {}},
                        [&](ProjectTimeline& timeline)
                        {
                            if (first < 1 || last < first || last > timeline.FrameCount())
@@ -211,7 +211,7 @@ bool Project::AddRangeBookmark(const QUuid& timelineID, int first, int last, con
 
 bool Project::RemoveRangeBookmark(const QUuid& timelineID, int first, int last)
 {
-    return ChangeState(timelineID, {tr("Unmark Range"), {}, false},
+    return ChangeState(timelineID, {tr("Unmark Range"), {}},
                        [&](ProjectTimeline& timeline)
                        {
                            return timeline.GetBookmarks()->RemoveRangeBookmark(timeline.FrameToTime(first),
@@ -222,7 +222,7 @@ bool Project::RemoveRangeBookmark(const QUuid& timelineID, int first, int last)
 bool Project::SetDrawings(const QUuid& timelineID, int frame, const QList<DrawData>& drawings,
                           const QString& text)
 {
-    return ChangeState(timelineID, {text, {}, false},
+    return ChangeState(timelineID, {text, {}},
                        [&](ProjectTimeline& timeline)
                        {
                            if (frame < 1)

@@ -47,7 +47,7 @@ QUuid Project::AddSource(const MediaInfo& info, const QUuid& parentID, int index
     const auto timeline =
         std::make_shared<MediaTimeline>(std::make_shared<const MediaSource>(QUuid::createUuid(), info));
     const std::shared_ptr<FolderObject> parent = ParentFor(parentID, 1, true, &index);
-    Push({tr("Add Source"), {}, false}, {InsertOf(timeline, parent->GetID(), index)});
+    Push({tr("Add Source"), {}}, {InsertOf(timeline, parent->GetID(), index)});
     return timeline->GetID();
 }
 
@@ -174,9 +174,11 @@ void Project::FinishImport(RunningImport& running)
                      }
                      timeline->SetElements(elements);
                  });
-    // States follow what comes into the tree.
-    Push({running.Items().size() == 1 ? tr("Import") : tr("Import Media"), {}, running.IsForViewing()},
-         inserts + changes);
+    // A look at a medium is nothing to take back: undo would close what the user is looking at.
+    if (running.IsForViewing())
+        Apply(inserts + changes);
+    else
+        Push({running.Items().size() == 1 ? tr("Import") : tr("Import Media"), {}}, inserts + changes);
 }
 
 void Project::ReplaceSource(const QUuid& id, const QString& path)
@@ -235,7 +237,7 @@ void Project::SetMedium(const std::shared_ptr<MediaTimeline>& timeline, const Me
         changes.append(rename);
     }
     AppendStates(changes, FollowersOf({timeline.get()}), {});
-    Push({text, {}, false}, changes);
+    Push({text, {}}, changes);
 }
 
 void Project::NoteMedium(const QUuid& id, const MediaInfo& info)

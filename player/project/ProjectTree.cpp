@@ -111,7 +111,7 @@ QUuid Project::AddFolder(const QUuid& parentID, int index, const QString& name)
 {
     const auto folder = std::make_shared<FolderObject>(name.isEmpty() ? FreeName(tr("New Folder")) : name);
     const std::shared_ptr<FolderObject> parent = ParentFor(parentID, 0, false, &index);
-    Push({tr("Add Folder"), {}, false}, {InsertOf(folder, parent->GetID(), index)});
+    Push({tr("Add Folder"), {}}, {InsertOf(folder, parent->GetID(), index)});
     return folder->GetID();
 }
 
@@ -120,7 +120,7 @@ QUuid Project::AddTimeline(const QUuid& parentID, int index, const QString& name
     const auto timeline =
         std::make_shared<ElementTimeline>(name.isEmpty() ? FreeName(tr("New Timeline")) : name);
     const std::shared_ptr<FolderObject> parent = ParentFor(parentID, 1, false, &index);
-    Push({tr("Add Timeline"), {}, false}, {InsertOf(timeline, parent->GetID(), index)});
+    Push({tr("Add Timeline"), {}}, {InsertOf(timeline, parent->GetID(), index)});
     return timeline->GetID();
 }
 
@@ -138,7 +138,7 @@ bool Project::Rename(const QUuid& id, const QString& name)
     change.id = id;
     const auto* const element = dynamic_cast<const ElementObject*>(object.get());
     change.name = {element ? element->OwnName() : object->GetName(), name};
-    return Push({tr("Rename"), {}, false}, {change});
+    return Push({tr("Rename"), {}}, {change});
 }
 
 bool Project::Move(const QUuid& id, const QUuid& parentID, int index)
@@ -149,7 +149,7 @@ bool Project::Move(const QUuid& id, const QUuid& parentID, int index)
 bool Project::Move(const QList<QUuid>& ids, const QUuid& parentID, int index)
 {
     Changes changes;
-    return AppendMoves(changes, ids, parentID, index) && Push({tr("Move"), {}, false}, changes);
+    return AppendMoves(changes, ids, parentID, index) && Push({tr("Move"), {}}, changes);
 }
 
 bool Project::AppendMoves(Changes& changes, const QList<QUuid>& ids, const QUuid& parentID, int index)
@@ -327,7 +327,7 @@ bool Project::Remove(const QList<QUuid>& ids)
     std::stable_sort(removals.begin(), removals.end(),
                      [](const ProjectChange& a, const ProjectChange& b)
                      { return a.place.index > b.place.index; });
-    return Push({tr("Remove"), {}, false}, changes + removals);
+    return Push({tr("Remove"), {}}, changes + removals);
 }
 
 bool Project::ToggleDefault(const QUuid& id)
@@ -337,6 +337,6 @@ bool Project::ToggleDefault(const QUuid& id)
     ProjectChange change;
     change.kind = ProjectChange::Kind::Default;
     change.defaultTimeline = {mContent.defaultTimeline, id == mContent.defaultTimeline ? QUuid() : id};
-    return Push({change.defaultTimeline.after.isNull() ? tr("Clear Default") : tr("Make Default"), {}, false},
+    return Push({change.defaultTimeline.after.isNull() ? tr("Clear Default") : tr("Make Default"), {}},
                 {change});
 }

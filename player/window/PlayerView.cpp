@@ -186,13 +186,13 @@ void PlayerWindow::OnPanZoomChanged(QPointF panInterpolation, float zoom, bool e
 
 void PlayerWindow::SetPanAndZoom(const QPointF& pan, float zoom)
 {
-    mProperties->RequestPanZoom(pan, zoom, true);
+    mProperties->NotePanZoom(pan, zoom, true);
 }
 
 void PlayerWindow::SetZoom(float zoom)
 {
     const float allowed = std::min(std::max(zoom, 1.0f), Settings::zoomMaximum);
-    mProperties->RequestPanZoom(allowed > 1.0f ? mPan : QPointF(), allowed, true);
+    mProperties->NotePanZoom(allowed > 1.0f ? mPan : QPointF(), allowed, true);
 }
 
 void PlayerWindow::ZoomBy(float factor)

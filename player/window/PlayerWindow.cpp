@@ -305,7 +305,9 @@ void PlayerWindow::CreateConnections()
         [this](ProjectTimeline& timeline, const PlaybackRange& range)
         {
             if (mProject->FindTimeline(timeline.GetID()).get() == &timeline)
-                mProject->SetRange(timeline.GetID(), range.first, range.last);
+                // What the mouse drags is one step; a key makes one each time.
+                mProject->SetRange(timeline.GetID(), range.first, range.last,
+                                   QGuiApplication::mouseButtons() != Qt::NoButton);
             else
                 timeline.SetRange(range);
         });
@@ -316,7 +318,7 @@ void PlayerWindow::CreateConnections()
     connect(mPlayback, SIGNAL(PlayingChanged(bool)), this, SLOT(OnPlayingChanged()));
     connect(mPlayback, SIGNAL(ActualFrameRateChanged(float)), this, SLOT(OnActualFrameRateChanged(float)));
     connect(mViewer, SIGNAL(PanZoomChangeRequested(QPointF, float, bool)), mProperties,
-            SLOT(RequestPanZoom(QPointF, float, bool)));
+            SLOT(NotePanZoom(QPointF, float, bool)));
     connect(mProperties, SIGNAL(PanZoomChanged(QPointF, float, bool)), this,
             SLOT(OnPanZoomChanged(QPointF, float, bool)));
     connect(mViewer, SIGNAL(PlaybackToggled()), this, SLOT(OnViewerDoubleClicked()));

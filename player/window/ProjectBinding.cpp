@@ -131,7 +131,7 @@ void ProjectBinding::UpdateTitle(const QStringList& shown)
 bool ProjectBinding::MayDrop()
 {
     mAnnotation->EndEdits();
-    if (!mProject->HasUnsavedWork() || !Settings::displayConfirmationOnClose)
+    if (!mProject->IsModified() || !Settings::displayConfirmationOnClose)
         return true;
     QMessageBox box(QMessageBox::Question, QString::fromLatin1(Settings::APPLICATION_TITLE),
                     tr("%1 has changes that are not saved. Save them?").arg(mProject->Title()),

@@ -160,6 +160,14 @@ void PropertiesBinding::RequestPanZoom(QPointF panInterpolation, float zoom, boo
     mProject->SetPanZoom(Shown()->GetID(), panInterpolation, zoom, enabled);
 }
 
+void PropertiesBinding::NotePanZoom(QPointF panInterpolation, float zoom, bool enabled)
+{
+    if (Shown() && mProject->FindTimeline(Shown()->GetID()))
+        mProject->NoteView(Shown()->GetID(), panInterpolation, zoom, enabled);
+    else
+        Q_EMIT PanZoomChanged(panInterpolation, zoom, enabled);
+}
+
 void PropertiesBinding::OnUseSourceInOutsChanged(bool enabled)
 {
     if (Shown())

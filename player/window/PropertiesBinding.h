@@ -29,6 +29,9 @@ public Q_SLOTS:
     /// it is passed on as it is. In ViewerWidget::SetPanAndZoom()'s terms.
     void RequestPanZoom(QPointF panInterpolation, float zoom, bool enabled);
 
+    /// The same for a look through the viewers, which is no step of the undo stack.
+    void NotePanZoom(QPointF panInterpolation, float zoom, bool enabled);
+
 Q_SIGNALS:
     /// The viewers are to show this pan and zoom: of the timeline that leads now, or its new one.
     void PanZoomChanged(QPointF panInterpolation, float zoom, bool enabled);

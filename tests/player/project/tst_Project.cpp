@@ -42,7 +42,7 @@ private Q_SLOTS:
     void NewNamesAreFree();
     void DeadIdsAreIgnored();
     void NotedDrawingsMakeBookmarks();
-    void MediaOpenedForALookAreNoWork();
+    void ALookIsNoStep();
     void SettingsAreUndone();
 
 private:
@@ -417,13 +417,19 @@ void tst_Project::NotedDrawingsMakeBookmarks()
     QCOMPARE(timeline->TimeToFrame(timeline->GetBookmarks()->GetTimeBookmarks().first().time), 4);
 }
 
-void tst_Project::MediaOpenedForALookAreNoWork()
+void tst_Project::ALookIsNoStep()
 {
-    QVERIFY(!mProject->HasUnsavedWork());
-    mProject->AddFolder();
-    QVERIFY(mProject->HasUnsavedWork());
+    const QUuid id = AddClip("a");
+    const int steps = mProject->UndoStack()->count();
+    mProject->SetRange(id, 2, 5);
+    mProject->NoteView(id, QPointF(0.5, 0), 2.0f, true);
+    QCOMPARE(mProject->UndoStack()->count(), steps + 1);
+    // Undo of another thing leaves the look as it is.
     mProject->UndoStack()->undo();
-    QVERIFY(!mProject->HasUnsavedWork());
+    QVERIFY(!mProject->FindTimeline(id)->HasRange());
+    QCOMPARE(mProject->FindTimeline(id)->View().zoom, 2.0f);
+    mProject->NoteView(id, QPointF(qQNaN(), 0), 2.0f, true);
+    QCOMPARE(mProject->FindTimeline(id)->View().pan, QPointF(0.5, 0));
 }
 
 void tst_Project::SettingsAreUndone()

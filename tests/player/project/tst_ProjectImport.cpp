@@ -311,11 +311,11 @@ void tst_ProjectImport::AnImportForViewingIsNoWork()
     const Result result = Wait(mProject->Import({Picture("a.png")}, QUuid(), {}, true));
     QCOMPARE(result.sources.size(), 1);
     QVERIFY(mLoader->Info(result.openMedium));
-    QVERIFY(mProject->IsModified());
-    QVERIFY(!mProject->HasUnsavedWork());
+    QVERIFY(!mProject->IsModified());
+    QCOMPARE(mProject->UndoStack()->count(), 0);
     const Result kept = Wait(mProject->Import({Picture("b.png")}));
     QCOMPARE(kept.openMedium, -1);
-    QVERIFY(mProject->HasUnsavedWork());
+    QVERIFY(mProject->IsModified());
 }
 
 void tst_ProjectImport::WithoutALoaderNothingIsRead()

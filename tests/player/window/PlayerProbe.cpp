@@ -25,6 +25,9 @@ QString SampleMovie()
 
 bool ShowWith(PlayerWindow* window, const QString& path)
 {
+    // The picture has the window to itself.
+    for (const QString& panel : window->Panels()->Names())
+        window->Panels()->SetVisible(panel, false);
     window->resize(900, 700);
     window->show();
     window->activateWindow();

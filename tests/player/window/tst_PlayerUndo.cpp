@@ -78,6 +78,8 @@ QString tst_PlayerUndo::State() const
         marks << QStringLiteral("range %1 to %2").arg(bookmark.startTime).arg(bookmark.endTime);
     for (const int frame : timeline.MarkedFrames())
         marks << QStringLiteral("user's mark %1").arg(frame);
+    if (timeline.HasRange())
+        marks << QStringLiteral("plays %1 to %2").arg(timeline.Range().first).arg(timeline.Range().last);
     marks.sort();
     return (lines + marks).join(QLatin1Char('\n'));
 }
