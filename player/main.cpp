@@ -114,7 +114,7 @@ int main(int argc, char** argv)
 {
     KeepPictureMemory();
     StandardLog log;
-    auto earlyLog = std::make_unique<EarlyLog>();
+    EarlyLog earlyLog;
     PrepareApplication();
     AllowNoDisplay(argc, argv);
     QApplication application(argc, argv);
@@ -165,6 +165,7 @@ int main(int argc, char** argv)
     }
 
     std::unique_ptr<PlayerWindow> window = ShowPlayerWindow(choice);
+    earlyLog.Stop();
     window->Scripts()->OpenPort();
     if (parser.isSet(layout))
         window->SetLayout(LayoutNames.indexOf(parser.value(layout)));

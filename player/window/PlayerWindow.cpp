@@ -31,6 +31,7 @@
 #include "window/PanelArea.h"
 #include "window/PanelTogglesBinding.h"
 #include "window/ProjectBinding.h"
+#include "window/ProjectPanelBinding.h"
 #include "window/ProjectPlaybackBinding.h"
 #include "window/PropertiesBinding.h"
 #include "window/RecentFiles.h"
@@ -204,6 +205,9 @@ void PlayerWindow::CreateWidgets()
     mProperties = new PropertiesBinding(mProject, mPlayback, mPanels, this);
     mElements = new ElementPanelBinding(mProject, mPlayback, mPanels, this);
     mProjects = new ProjectBinding(mProject, mPlayback, mAnnotation, ProjectJournal::DefaultFolder(), this);
+    auto* const projectPanel = new ProjectPanelBinding(mProject, mViewer, mPanels, this);
+    connect(projectPanel, &ProjectPanelBinding::ShowRequested, this, &PlayerWindow::ShowTimeline);
+    connect(projectPanel, SIGNAL(ImportStarted(ProjectImport*)), mProjects, SLOT(Watch(ProjectImport*)));
     mAnnotationBar = new AnnotationBarBinding(mAnnotation, mViewerRow, this);
     mBookmarksBar = new BookmarksBarBinding(mBookmarks, mCenter, this);
     mVolumeBar = new VolumeBarBinding(mVolume, mCenter, this);
@@ -290,6 +294,9 @@ void PlayerWindow::CreateLayout()
 
 void PlayerWindow::CreateConnections()
 {
+    // Directly, since what is dropped is read during the signal.
+    connect(mViewer, SIGNAL(ViewerDropEvent(QDropEvent*, int)), this, SLOT(OnViewerDropped(QDropEvent*, int)),
+            Qt::DirectConnection);
     connect(mProjects, &ProjectBinding::MediumOpened, this, &PlayerWindow::OnMediumOpened);
     connect(mProjects, &ProjectBinding::ShowRequested, this, &PlayerWindow::OnShowRequested);
     connect(mProjects, SIGNAL(Updated()), this, SLOT(OnProjectUpdated()));
@@ -458,11 +465,6 @@ ScriptBinding* PlayerWindow::Scripts() const
     return mScripts;
 }
 
-QUndoStack* PlayerWindow::UndoStack()
-{
-    return mProject->UndoStack();
-}
-
 QPointF PlayerWindow::Pan() const
 {
     return mPan;
@@ -543,6 +545,13 @@ void PlayerWindow::dropEvent(QDropEvent* event)
     OpenForUser(paths, mAnnotation->Strokes()->ViewerAt(mapToGlobal(event->pos())));
 }
 
+void PlayerWindow::OnViewerDropped(QDropEvent* event, int viewer)
+{
+    const QStringList paths = LocalFiles(event->mimeData());
+    if (!paths.isEmpty())
+        OpenForUser(paths, viewer);
+}
+
 void PlayerWindow::keyPressEvent(QKeyEvent* event)
 {
     if (event->key() == Qt::Key_Escape && mAnnotation->IsBusy())
@@ -553,14 +562,10 @@ void PlayerWindow::keyPressEvent(QKeyEvent* event)
 
 void PlayerWindow::closeEvent(QCloseEvent* event)
 {
-    if (!mOutput->MayClose())
-    {
-        event->ignore();
-        return;
-    }
     mPlayback->Pause();
     mAnnotation->EndEdits();
-    if (!mProjects->MayDrop())
+    // An export is stopped only when nothing else keeps the window open.
+    if (!mProjects->MayDrop() || !mOutput->MayClose())
     {
         event->ignore();
         return;

@@ -78,8 +78,6 @@ public:
     void ShowTimeline(const std::shared_ptr<ProjectTimeline>& timeline, int viewer);
     StrokeController* Strokes() const;
     ScriptBinding* Scripts() const;
-    /// The project's.
-    QUndoStack* UndoStack();
     ConsoleBinding* Console() const;
     /// Preferences, project settings, about box.
     SettingsBinding* Preferences() const;
@@ -98,12 +96,12 @@ public:
     PanelArea* Panels() const;
 
 public Q_SLOTS:
-    /// Has the window act on settings that have changed.
-    void OnSettingsChanged();
     /// Shows the viewers in @p layout, a ViewerLayout value.
     void SetLayout(int layout);
     /// Brings the bars in line with the settings, after these changed.
     void SyncBars();
+    /// Has the window act on settings that have changed.
+    void OnSettingsChanged();
 
 Q_SIGNALS:
     /// Every viewer that is to show a picture shows the one that it is to show, and nothing is being opened.
@@ -116,6 +114,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private Q_SLOTS:
+    void OnViewerDropped(QDropEvent* event, int viewer);
     void OnRecentFilePicked(const QString& path);
     void OnMediumOpened(const std::shared_ptr<ProjectTimeline>& timeline);
     void OnShowRequested(const std::shared_ptr<ProjectTimeline>& timeline, int viewer);

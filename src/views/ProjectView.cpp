@@ -11,6 +11,13 @@
 #include <QKeyEvent>
 #include <QVBoxLayout>
 
+namespace
+{
+
+constexpr int MinimumColumnWidth = 10;
+
+} // namespace
+
 ProjectView::ProjectView(QWidget* parent) : QWidget(parent)
 {
     CreateIcon(mFolderIcon, QStringLiteral("folder"));
@@ -37,6 +44,8 @@ void ProjectView::CreateWidgets()
     mTreeWidget->setAccessibleName(tr("Project"));
     mTreeWidget->setColumnCount(4);
     mTreeWidget->setHeaderLabels({tr("Name"), QString(), QString(), QString()});
+    // The narrow columns keep their share of a narrow panel.
+    mTreeWidget->header()->setMinimumSectionSize(MinimumColumnWidth);
     mTreeWidget->setDragEnabled(true);
     mTreeWidget->setAcceptDrops(true);
     CreateButton(&mNewFolderButton, QImage(QStringLiteral(":/icons/add_folder.png")).mirrored(true, false),

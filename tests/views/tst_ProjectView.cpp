@@ -31,6 +31,7 @@ private Q_SLOTS:
     void TheButtonsStandInARow();
     void ButtonsAndActionsAskForTheirRequest_data();
     void ButtonsAndActionsAskForTheirRequest();
+    void ColumnsAreSizedAtTheFirstShow_data();
     void ColumnsAreSizedAtTheFirstShow();
     void AnEditThatDiffersAsksForTheName();
     void RenamingNeedsTheFocusAndOneRow();
@@ -189,20 +190,33 @@ void tst_ProjectView::ButtonsAndActionsAskForTheirRequest()
     QCOMPARE(Describe(mTree), before);
 }
 
+void tst_ProjectView::ColumnsAreSizedAtTheFirstShow_data()
+{
+    QTest::addColumn<int>("width");
+    QTest::addColumn<int>("name");
+    QTest::addColumn<int>("letter");
+    QTest::newRow("997") << 997 << 797 << 99;
+    QTest::newRow("400") << 400 << 320 << 40;
+    QTest::newRow("160") << 160 << 128 << 16;
+}
+
 void tst_ProjectView::ColumnsAreSizedAtTheFirstShow()
 {
-    mWindow->resize(997, 400);
+    QFETCH(int, width);
+    QFETCH(int, name);
+    QFETCH(int, letter);
+    mWindow->resize(width, 400);
     ShowInWindow();
-    QCOMPARE(mTree->width(), 997);
-    QCOMPARE(mTree->columnWidth(0), 797);
-    QCOMPARE(mTree->columnWidth(1), 99);
-    QCOMPARE(mTree->columnWidth(2), 99);
+    QCOMPARE(mTree->width(), width);
+    QCOMPARE(mTree->columnWidth(0), name);
+    QCOMPARE(mTree->columnWidth(1), letter);
+    QCOMPARE(mTree->columnWidth(2), letter);
     mTree->header()->resizeSection(0, 500);
     mWindow->hide();
     mWindow->resize(600, 400);
     mWindow->show();
     QCOMPARE(mTree->columnWidth(0), 500);
-    QCOMPARE(mTree->columnWidth(1), 99);
+    QCOMPARE(mTree->columnWidth(1), letter);
 }
 
 void tst_ProjectView::AnEditThatDiffersAsksForTheName()

@@ -159,7 +159,7 @@ void tst_ProjectViewTreeDrop::Drop(const QMimeData* data, const QPoint& pos)
 void tst_ProjectViewTreeDrop::RandomTreesFollowTheSecondStatement_data()
 {
     QTest::addColumn<quint32>("seed");
-    for (quint32 seed = 1; seed <= 60; ++seed)
+    for (quint32 seed = 1; seed <= 50; ++seed)
         QTest::addRow("%u", seed) << seed;
 }
 
@@ -188,7 +188,7 @@ void tst_ProjectViewTreeDrop::RandomTreesFollowTheSecondStatement()
     const int bottom = std::min(std::max(last.bottom(), 300) + 10, mTree->viewport()->height());
     QUuid parentID;
     int taken = 0;
-    for (int round = 0; round < 150; ++round)
+    for (int round = 0; round < 100; ++round)
     {
         DropModel::Drag drag;
         drag.areFiles = random.bounded(4) == 0;

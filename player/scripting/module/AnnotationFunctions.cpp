@@ -19,11 +19,11 @@ namespace py = pybind11;
 namespace
 {
 
-using ScriptModule::ObjectHandle;
 using ScriptModule::OnGui;
+using ScriptModule::TimelineHandle;
 using ScriptModule::Words;
 
-using Handle = std::optional<ObjectHandle>;
+using Handle = std::optional<TimelineHandle>;
 using Point = std::pair<double, double>;
 using Points = std::vector<Point>;
 

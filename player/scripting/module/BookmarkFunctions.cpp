@@ -13,11 +13,11 @@ namespace py = pybind11;
 namespace
 {
 
-using ScriptModule::ObjectHandle;
 using ScriptModule::OnGui;
+using ScriptModule::TimelineHandle;
 using ScriptModule::Words;
 
-using Handle = std::optional<ObjectHandle>;
+using Handle = std::optional<TimelineHandle>;
 
 /// A bookmark as a script sees it: of one frame, where both are the same, or of a range.
 struct BookmarkInfo

@@ -22,11 +22,11 @@ namespace py = pybind11;
 namespace
 {
 
-using ScriptModule::ObjectHandle;
 using ScriptModule::OnGui;
+using ScriptModule::TimelineHandle;
 using ScriptModule::Words;
 
-using Handle = std::optional<ObjectHandle>;
+using Handle = std::optional<TimelineHandle>;
 
 /// The pause between two looks whether a job is done, in seconds.
 constexpr double JobInterval = 0.02;

@@ -77,6 +77,7 @@ PYBIND11_MODULE(torvalen, module)
     ScriptModule::AddCommands(module);
     ScriptModule::AddPlayback(module);
     ScriptModule::AddViewers(module);
+    ScriptModule::AddProject(module);
     ScriptModule::AddTimelines(module);
     ScriptModule::AddBookmarks(module);
     ScriptModule::AddAnnotations(module);

@@ -77,15 +77,20 @@ auto OnGui(Function function)
         return std::move(*state->result);
 }
 
-/// A timeline, or another object of the project, as scripts hold it: by its id, so that it may have gone.
+/// An object of the project as scripts hold it: by its id, so that it may have gone.
 struct ObjectHandle
 {
     QUuid id;
 };
 
+/// The same of a timeline.
+struct TimelineHandle : ObjectHandle
+{
+};
+
 /// On the GUI thread: the timeline that @p handle names, or the one that leads without any. Throws where
 /// there is none.
-std::shared_ptr<ProjectTimeline> TimelineFor(ScriptHost& host, const std::optional<ObjectHandle>& handle);
+std::shared_ptr<ProjectTimeline> TimelineFor(ScriptHost& host, const std::optional<TimelineHandle>& handle);
 /// On the GUI thread: @p frame, or the frame under the playhead of @p timeline without any. Throws where the
 /// timeline has no such frame.
 int FrameFor(ScriptHost& host, ProjectTimeline& timeline, std::optional<int> frame);
@@ -96,6 +101,8 @@ QString ViewerName(int viewer);
 
 // The parts
 
+/// Before the timelines, which are objects too.
+void AddProject(pybind11::module_& module);
 void AddTimelines(pybind11::module_& module);
 void AddBookmarks(pybind11::module_& module);
 void AddAnnotations(pybind11::module_& module);

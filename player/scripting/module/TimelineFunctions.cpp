@@ -3,6 +3,7 @@
 
 #include "playback/PlaybackController.h"
 #include "project/MediaSource.h"
+#include "project/Project.h"
 #include "project/ProjectTimeline.h"
 #include "scripting/ScriptHost.h"
 
@@ -13,8 +14,8 @@ namespace py = pybind11;
 namespace
 {
 
-using ScriptModule::ObjectHandle;
 using ScriptModule::OnGui;
+using ScriptModule::TimelineHandle;
 using ScriptModule::Words;
 
 /// The pause between two looks whether a medium is open, in seconds.
@@ -22,11 +23,8 @@ constexpr double OpenInterval = 0.005;
 
 std::shared_ptr<ProjectTimeline> FindTimeline(ScriptHost& host, const QUuid& id)
 {
-    for (const std::shared_ptr<ProjectTimeline>& timeline : host.Timelines())
-    {
-        if (timeline->GetID() == id)
-            return timeline;
-    }
+    if (auto timeline = host.GetProject()->FindTimeline(id))
+        return timeline;
     throw std::runtime_error(
         Words(QStringLiteral("there is no timeline %1 any more").arg(id.toString(QUuid::WithoutBraces))));
 }
@@ -35,11 +33,11 @@ std::shared_ptr<ProjectTimeline> FindTimeline(ScriptHost& host, const QUuid& id)
 template<typename Ask>
 auto Property(Ask ask)
 {
-    return [ask](const ObjectHandle& handle)
+    return [ask](const TimelineHandle& handle)
     { return OnGui([ask, id = handle.id](ScriptHost& host) { return ask(*FindTimeline(host, id)); }); };
 }
 
-ObjectHandle Open(const QString& path, const std::optional<QString>& viewer, bool wait)
+TimelineHandle Open(const QString& path, const std::optional<QString>& viewer, bool wait)
 {
     const int index = viewer ? ScriptModule::ViewerNumber(*viewer) : -1;
     const auto opening = OnGui([path, index](ScriptHost& host) { return host.Open(path, index); });
@@ -51,36 +49,40 @@ ObjectHandle Open(const QString& path, const std::optional<QString>& viewer, boo
         throw std::runtime_error(Words(result.error));
     if (wait && index >= 0)
         py::module_::import("torvalen").attr("wait_until_settled")();
-    return {result.timeline};
+    return {{result.timeline}};
 }
 
-std::optional<ObjectHandle> ViewerTimeline(const std::optional<QString>& viewer)
+std::optional<TimelineHandle> ViewerTimeline(const std::optional<QString>& viewer)
 {
     const int index = viewer ? ScriptModule::ViewerNumber(*viewer) : -1;
     return OnGui(
-        [index](ScriptHost& host) -> std::optional<ObjectHandle>
+        [index](ScriptHost& host) -> std::optional<TimelineHandle>
         {
             const auto& timeline =
                 index < 0 ? host.Playback()->LeadingTimeline() : host.Playback()->TimelineOf(index);
             if (!timeline)
                 return std::nullopt;
-            return ObjectHandle{timeline->GetID()};
+            return TimelineHandle{{timeline->GetID()}};
         });
 }
 
-std::vector<ObjectHandle> ListTimelines()
+std::vector<TimelineHandle> ListTimelines()
 {
     return OnGui(
         [](ScriptHost& host)
         {
-            std::vector<ObjectHandle> handles;
-            for (const std::shared_ptr<ProjectTimeline>& timeline : host.Timelines())
-                handles.push_back({timeline->GetID()});
+            std::vector<TimelineHandle> handles;
+            for (const bool ofSources : {false, true})
+            {
+                for (const std::shared_ptr<ProjectTimeline>& timeline :
+                     host.GetProject()->Timelines(ofSources))
+                    handles.push_back({{timeline->GetID()}});
+            }
             return handles;
         });
 }
 
-void Show(const ObjectHandle& handle, const QString& viewer)
+void Show(const TimelineHandle& handle, const QString& viewer)
 {
     OnGui([id = handle.id, index = ScriptModule::ViewerNumber(viewer)](ScriptHost& host)
           { host.ShowTimeline(FindTimeline(host, id), index); });
@@ -89,7 +91,7 @@ void Show(const ObjectHandle& handle, const QString& viewer)
 } // namespace
 
 std::shared_ptr<ProjectTimeline> ScriptModule::TimelineFor(ScriptHost& host,
-                                                           const std::optional<ObjectHandle>& handle)
+                                                           const std::optional<TimelineHandle>& handle)
 {
     if (handle)
         return FindTimeline(host, handle->id);
@@ -121,14 +123,7 @@ int ScriptModule::FrameFor(ScriptHost& host, ProjectTimeline& timeline, std::opt
 
 void ScriptModule::AddTimelines(py::module_& module)
 {
-    py::class_<ObjectHandle>(module, "Timeline",
-                             "A timeline of the player. It may have gone since: then each "
-                             "use raises RuntimeError.")
-        .def_property_readonly(
-            "id", [](const ObjectHandle& handle) { return handle.id.toString(QUuid::WithoutBraces); },
-            "Its identity, which stays when it is renamed or moved.")
-        .def_property_readonly("name", Property([](ProjectTimeline& timeline) { return timeline.GetName(); }),
-                               "Its name.")
+    py::class_<TimelineHandle, ObjectHandle>(module, "Timeline", "A timeline of the player, an Object too.")
         .def_property_readonly("frames",
                                Property([](ProjectTimeline& timeline) { return timeline.FrameCount(); }),
                                "Number of its frames.")
@@ -156,7 +151,7 @@ void ScriptModule::AddTimelines(py::module_& module)
                                "The viewer that shows it, \"A\" or \"B\"; None if none does.")
         .def(
             "frame_time",
-            [](const ObjectHandle& handle, int frame)
+            [](const TimelineHandle& handle, int frame)
             {
                 return OnGui(
                     [id = handle.id, frame](ScriptHost& host)
@@ -165,27 +160,9 @@ void ScriptModule::AddTimelines(py::module_& module)
                         return timeline->FrameToTime(FrameFor(host, *timeline, frame));
                     });
             },
-            py::arg("frame"), "The time of the start of a frame, in microseconds.")
-        .def("__eq__",
-             [](const ObjectHandle& left, const ObjectHandle& right) { return left.id == right.id; })
-        .def("__eq__", [](const ObjectHandle&, const py::object&) { return false; })
-        .def("__hash__",
-             [](const ObjectHandle& handle) { return static_cast<py::ssize_t>(qHash(handle.id)); })
-        .def("__repr__",
-             [](const ObjectHandle& handle)
-             {
-                 return OnGui(
-                     [id = handle.id](ScriptHost& host)
-                     {
-                         for (const std::shared_ptr<ProjectTimeline>& timeline : host.Timelines())
-                         {
-                             if (timeline->GetID() == id)
-                                 return QStringLiteral("<torvalen.Timeline %1>").arg(timeline->GetName());
-                         }
-                         return QStringLiteral("<torvalen.Timeline that has gone>");
-                     });
-             });
-    module.def("timelines", &ListTimelines, "Every timeline of the player, in its order.");
+            py::arg("frame"), "The time of the start of a frame, in microseconds.");
+    module.def("timelines", &ListTimelines,
+               "Every timeline of the project: those of elements, then those of sources.");
     module.def(
         "timeline", &ViewerTimeline, py::arg("viewer") = py::none(),
         "The timeline that leads, or the one that viewer \"A\" or \"B\" shows; None if there is none.");

@@ -45,6 +45,8 @@ public:
     void SetDefaultOutputDirPath(const QString& path);
     /// The directory of the file picked last in any of these dialogs; empty at the start of the process.
     const QString& GetLastOutputDirPath() const;
+    /// Closes the dialog; while exporting it asks whether to stop first.
+    void reject() override;
 
 public Q_SLOTS:
     /// Checks the output path and asks for the export; does nothing while exporting.
@@ -64,8 +66,6 @@ public Q_SLOTS:
     void SetDetailedOutputEnabled(bool enabled);
     /// Empties both outputs.
     void ClearOutputText();
-    /// Closes the dialog; while exporting it asks whether to stop first.
-    void reject() override;
 
 Q_SIGNALS:
     /// The user wants the timeline exported to @p outputPath, an absolute path that ends in ".mp4". @p

@@ -81,6 +81,13 @@ QWidget* Part(PlayerWindow* window, const char* name)
     return shown != parts.end() ? *shown : parts.value(0);
 }
 
+void HidePanels(PlayerWindow* window)
+{
+    for (const QString& name : window->Panels()->Names())
+        window->Panels()->SetVisible(name, false);
+    QCoreApplication::processEvents();
+}
+
 void Click(QWidget* widget, Qt::MouseButton button)
 {
     InputEvents::Press(widget, widget->rect().center(), button);

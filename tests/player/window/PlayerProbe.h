@@ -36,6 +36,9 @@ int NumberOnScreen(PlayerWindow* window, int viewer = 0);
 /// there is none.
 QWidget* Part(PlayerWindow* window, const char* name);
 
+/// Leaves the whole window to the viewers.
+void HidePanels(PlayerWindow* window);
+
 /// Clicks the middle of @p widget with the mouse.
 void Click(QWidget* widget, Qt::MouseButton button = Qt::LeftButton);
 
