@@ -27,12 +27,7 @@ QString SampleMovie()
 
 bool ShowWith(PlayerWindow* window, const QString& path)
 {
-    // The picture has the window to itself.
-    for (const QString& panel : window->Panels()->Names())
-    {
-        if (window->Panels()->Panel(panel))
-            window->Panels()->SetVisible(panel, false);
-    }
+    ShowPanels(window, false);
     window->resize(900, 700);
     window->show();
     window->activateWindow();
@@ -81,10 +76,10 @@ QWidget* Part(PlayerWindow* window, const char* name)
     return shown != parts.end() ? *shown : parts.value(0);
 }
 
-void HidePanels(PlayerWindow* window)
+void ShowPanels(PlayerWindow* window, bool shown)
 {
     for (const QString& name : window->Panels()->Names())
-        window->Panels()->SetVisible(name, false);
+        window->Panels()->SetVisible(name, shown);
     QCoreApplication::processEvents();
 }
 

@@ -18,8 +18,8 @@ namespace PlayerProbe
 /// can't be made.
 QString SampleMovie();
 
-/// Shows @p window with @p path open in viewer A and waits until its first frame is on screen. Returns
-/// whether that came about.
+/// Shows @p window, its panels hidden, with @p path open in viewer A and waits until its first frame is on
+/// screen. Returns whether that came about.
 bool ShowWith(PlayerWindow* window, const QString& path);
 
 /// What the screen shows of @p window's viewer area.
@@ -36,8 +36,8 @@ int NumberOnScreen(PlayerWindow* window, int viewer = 0);
 /// there is none.
 QWidget* Part(PlayerWindow* window, const char* name);
 
-/// Leaves the whole window to the viewers.
-void HidePanels(PlayerWindow* window);
+/// Shows or hides every panel; without them the viewers have the whole window.
+void ShowPanels(PlayerWindow* window, bool shown);
 
 /// Clicks the middle of @p widget with the mouse.
 void Click(QWidget* widget, Qt::MouseButton button = Qt::LeftButton);

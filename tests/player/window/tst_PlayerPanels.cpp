@@ -69,6 +69,7 @@ void tst_PlayerPanels::init()
     QFile::remove(PlayerState::Path());
     mWindow = std::make_unique<PlayerWindow>();
     QVERIFY(PlayerProbe::ShowWith(mWindow.get(), PlayerProbe::SampleMovie()));
+    PlayerProbe::ShowPanels(mWindow.get(), true);
     mWindow->resize(1300, 900);
     // The project's default timeline, which is empty, was there before.
     QTRY_VERIFY(mWindow->Playback()->LeadingTimeline()->IsSourceTimeline());

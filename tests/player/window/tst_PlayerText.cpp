@@ -70,7 +70,6 @@ void tst_PlayerText::init()
     QApplication::setCursorFlashTime(0);
     mWindow = std::make_unique<PlayerWindow>();
     QVERIFY(PlayerProbe::ShowWith(mWindow.get(), PlayerProbe::SampleMovie()));
-    PlayerProbe::HidePanels(mWindow.get());
     QTest::keyClick(mWindow.get(), Qt::Key_T);
     QCOMPARE(Settings::annotationTool, Text);
     PlayerProbe::LeaveViewers(mWindow.get());

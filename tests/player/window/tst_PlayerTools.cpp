@@ -71,7 +71,6 @@ void tst_PlayerTools::init()
     Settings::drawColor = QColor(255, 0, 0);
     mWindow = std::make_unique<PlayerWindow>();
     QVERIFY(PlayerProbe::ShowWith(mWindow.get(), PlayerProbe::SampleMovie()));
-    PlayerProbe::HidePanels(mWindow.get());
     Select("annotate.draw");
     PlayerProbe::LeaveViewers(mWindow.get());
 }

@@ -43,7 +43,6 @@ void tst_PlayerUndo::init()
     Settings::RestoreDefaults();
     mWindow = std::make_unique<PlayerWindow>();
     QVERIFY(PlayerProbe::ShowWith(mWindow.get(), PlayerProbe::SampleMovie()));
-    PlayerProbe::HidePanels(mWindow.get());
 }
 
 void tst_PlayerUndo::cleanup()
