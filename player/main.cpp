@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "host/Logger.h"
 #include "host/Settings.h"
+#include "scripting/PythonThread.h"
 #include "window/DarkPalette.h"
+#include "window/EarlyLog.h"
 #include "window/PlayThrough.h"
 #include "window/PlayerWindow.h"
+#include "window/ScriptBinding.h"
 #include "window/StandardLog.h"
 #include "window/ViewerBackEndChoice.h"
 
@@ -13,7 +16,9 @@
 #include <QSurfaceFormat>
 #include <QTimer>
 
+#include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 
 #ifdef __GLIBC__
@@ -62,6 +67,30 @@ void PrepareApplication()
     QCoreApplication::setApplicationVersion(QString::fromLatin1(Settings::TORVALEN_PRO_VERSION_STRING));
 }
 
+/// Lets a script run where there is no display.
+void AllowNoDisplay(int argc, char** argv)
+{
+    const auto isScript = [](const char* argument)
+    { return qstrcmp(argument, "--script") == 0 || qstrncmp(argument, "--script=", 9) == 0; };
+    const bool hasDisplay =
+        !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+    if (!hasDisplay && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") &&
+        std::any_of(argv + 1, argv + argc, isScript))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+}
+
+/// Ends the process with @p status at once where a script can't be stopped: what is left would pull the
+/// ground from under it.
+int LeaveWith(int status)
+{
+    if (PythonThread::IsStuck())
+    {
+        std::fflush(nullptr);
+        std::_Exit(status);
+    }
+    return status;
+}
+
 /// Saves the window's picture at @p path once it shows what it is to show, and ends the application.
 void TakeScreenshot(PlayerWindow* window, const QString& path)
 {
@@ -84,7 +113,9 @@ int main(int argc, char** argv)
 {
     KeepPictureMemory();
     StandardLog log;
+    auto earlyLog = std::make_unique<EarlyLog>();
     PrepareApplication();
+    AllowNoDisplay(argc, argv);
     QApplication application(argc, argv);
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QApplication::setPalette(DarkPalette());
@@ -108,7 +139,9 @@ int main(int argc, char** argv)
     const QCommandLineOption size = Option("size", "Size of the window of --play-through.", "WIDTHxHEIGHT");
     const QCommandLineOption openGL = Option("opengl", "Draws through OpenGL this time, whatever is set.");
     const QCommandLineOption software = Option("software", "Draws in software this time, whatever is set.");
-    parser.addOptions({viewerB, layout, play, demo, screenshot, playThrough, size, openGL, software});
+    const QCommandLineOption script = Option(
+        "script", "Runs the Python script SCRIPT, with the FILEs as its arguments, and quits.", "SCRIPT");
+    parser.addOptions({viewerB, layout, play, demo, screenshot, playThrough, size, openGL, software, script});
     parser.addPositionalArgument(QStringLiteral("FILE"),
                                  QCoreApplication::translate("main", "Movies or files of image sequences."),
                                  QStringLiteral("[FILE…]"));
@@ -129,18 +162,23 @@ int main(int argc, char** argv)
         return 2;
     }
 
-    const std::unique_ptr<PlayerWindow> window = ShowPlayerWindow(choice);
+    std::unique_ptr<PlayerWindow> window = ShowPlayerWindow(choice);
+    window->Scripts()->OpenPort();
     if (parser.isSet(layout))
         window->SetLayout(LayoutNames.indexOf(parser.value(layout)));
     if (parser.isSet(demo))
         window->DrawDemoWhenReady();
     if (parser.isSet(screenshot))
         TakeScreenshot(window.get(), parser.value(screenshot));
-    if (!parser.positionalArguments().isEmpty())
+    if (parser.isSet(script))
+        window->Scripts()->RunAndQuit(parser.value(script), parser.positionalArguments());
+    else if (!parser.positionalArguments().isEmpty())
         window->OpenFiles(parser.positionalArguments(), 0);
     if (parser.isSet(viewerB))
         window->OpenFiles({parser.value(viewerB)}, 1);
     if (parser.isSet(play))
         window->PlayWhenReady();
-    return QApplication::exec();
+    const int status = QApplication::exec();
+    window.reset();
+    return LeaveWith(status);
 }

@@ -11,6 +11,7 @@ JOBS="${TORVALEN_JOBS:-$(nproc)}"
 BUILD_PACKAGES=(g++ cmake ninja-build pkg-config ccache mold git qtbase5-dev libgl-dev libbenchmark-dev)
 MEDIA_PACKAGES=(libavcodec-dev libavformat-dev libavutil-dev libswscale-dev libswresample-dev libdeflate-dev libopenimageio-dev
     portaudio19-dev ffmpeg)
+SCRIPT_PACKAGES=(python3-dev pybind11-dev)
 DISPLAY_PACKAGES=(xvfb xauth libgl1-mesa-dri fonts-dejavu-core)
 TEST_PACKAGES=(x11-utils xdotool openbox imagemagick openimageio-tools)
 

@@ -140,10 +140,8 @@ void StrokeController::RefreshStroke()
 {
     const DrawData& drawing = mTarget.store->At(mTarget.frame).drawData.last();
     // A repaint of annotations alone lays a dragged shape on the widget in a mode that replaces what lies
-    // there. What is seen through it would be lost, and so would the whole picture where the second viewer's
-    // annotations follow in that mode.
-    const bool replaces =
-        drawing.color.alpha() < 255 || (mViewer->GetViewerLayout() != Single && mViewerIndex == 0);
+    // there. What is seen through it would be lost, and of two viewers what the second one's pass covers.
+    const bool replaces = drawing.color.alpha() < 255 || mViewer->GetViewerLayout() != Single;
     if (IsShape(drawing) && replaces)
         RequestFullPaint(mViewer, true);
     else

@@ -166,10 +166,17 @@ void TextController::ShowText()
     PlaceCaret();
 }
 
-void TextController::PlaceCaret()
+void TextController::FollowPicture()
 {
     if (!IsTyping())
         return;
+    // Where the picture lies the viewer knows once it has painted it.
+    PaintFullyNow(mViewer);
+    PlaceCaret();
+}
+
+void TextController::PlaceCaret()
+{
     const QRect place = CaretPlace();
     if (place.isValid())
         mCaretWidget->Stand(place, mTarget.store->At(mTarget.frame).drawData.last().color);
@@ -234,8 +241,8 @@ bool TextController::eventFilter(QObject* watched, QEvent* event)
         return true;
     }
     case QEvent::Resize:
-        // Once the viewer has taken it, and painted in its new size.
-        QMetaObject::invokeMethod(this, "PlaceCaret", Qt::QueuedConnection);
+        // Once the viewer has taken its new size.
+        QMetaObject::invokeMethod(this, "FollowPicture", Qt::QueuedConnection);
         break;
     default:
         break;

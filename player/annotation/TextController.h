@@ -43,8 +43,8 @@ public:
 public Q_SLOTS:
     /// Ends the text in progress.
     void Finish();
-    /// Brings the caret to where the text is now, after the viewer's layout, zoom or size changed.
-    void PlaceCaret();
+    /// Brings the caret to where the text is now, after the viewer's zoom or size changed; paints the viewer.
+    void FollowPicture();
 
 private:
     bool TakesKey(const QKeyEvent& event) const;
@@ -55,6 +55,7 @@ private:
     /// The boundary between letters after (@p direction 1) or before (-1) the caret.
     int Boundary(int direction) const;
     QRect CaretPlace() const;
+    void PlaceCaret();
     void ShowText();
 
     ViewerWidget* mViewer;

@@ -149,10 +149,13 @@ QSize EncodableSize(const QSize& size)
 QStringList EncoderArguments(const OutputPlan& plan, const ExportOptions& options, const QSize& size,
                              const QString& file)
 {
+    // Each line tells its level, so that an error can be told from what is said after it.
     QStringList arguments = {QStringLiteral("-hide_banner"),
                              QStringLiteral("-nostdin"),
                              QStringLiteral("-y"),
                              QStringLiteral("-nostats"),
+                             QStringLiteral("-loglevel"),
+                             QStringLiteral("level+info"),
                              QStringLiteral("-progress"),
                              QStringLiteral("pipe:1"),
                              QStringLiteral("-f"),

@@ -24,8 +24,6 @@ namespace
 
 /// How many pictures that can't be read are told one by one.
 constexpr int ToldProblems = 20;
-/// How much of the encoder's last words is kept.
-constexpr int KeptLines = 8;
 /// A pipe of the default size wakes both sides for each sixteenth of a megabyte.
 constexpr int PipeBytes = 1 << 20;
 constexpr int FullProgress = 1000;
@@ -47,15 +45,15 @@ QStringList TakeLines(QByteArray& buffer)
     }
 }
 
-/// The line of @p lines that says why the encoder failed: the last one that is no mere farewell.
-QString ReasonIn(const QStringList& lines)
+/// What the encoder says last, and no more.
+const QString Farewell = QStringLiteral("Conversion failed!");
+
+/// What @p line of the encoder says if it tells of an error; empty otherwise.
+QString ErrorIn(const QString& line)
 {
-    for (auto line = lines.rbegin(); line != lines.rend(); ++line)
-    {
-        if (!line->isEmpty() && *line != QLatin1String("Conversion failed!"))
-            return *line;
-    }
-    return {};
+    static const QRegularExpression error(QStringLiteral("\\[(?:error|fatal|panic)\\] (.*)$"));
+    const QString text = error.match(line).captured(1);
+    return text == Farewell ? QString() : text;
 }
 
 /// The arguments as one would type them.
@@ -116,7 +114,8 @@ void ExportJob::Start(OutputPlan plan, const ExportOptions& options)
     mUnfinishedFile.clear();
     mEncoderOutput.clear();
     mEncoderProgress.clear();
-    mLastLines.clear();
+    mLastLine.clear();
+    mEncoderError.clear();
     mFeedError.clear();
     mProblems = 0;
     mRunning = true;
@@ -130,15 +129,13 @@ void ExportJob::Start(OutputPlan plan, const ExportOptions& options)
         Fail(tr("There are no frames to export."));
         return;
     }
-    Q_EMIT Line(tr("Exporting %1: frames %2 to %3 at %4 frames per second, %5 x %6, to %7")
-                    .arg(mPlan->name)
-                    .arg(mPlan->frames.front())
-                    .arg(mPlan->frames.back())
-                    .arg(mPlan->rate.PerSecond(), 0, 'g', 6)
-                    .arg(mOptions.size.width())
-                    .arg(mOptions.size.height())
-                    .arg(mOptions.outputPath),
+    Q_EMIT Line(tr("Exporting %1: frames %2 to %3, %4 x %5, %6 fps")
+                    .arg(mPlan->name, QString::number(mPlan->frames.front()),
+                         QString::number(mPlan->frames.back()), QString::number(mOptions.size.width()),
+                         QString::number(mOptions.size.height()),
+                         QString::number(mPlan->rate.PerSecond(), 'g', 6)),
                 false);
+    Q_EMIT Line(tr("To %1").arg(mOptions.outputPath), false);
     const QSize size = EncodableSize(mOptions.size);
     if (size != mOptions.size)
         Q_EMIT Line(tr("Odd sizes can't be encoded: the movie gets %1 x %2 pixels.")
@@ -250,9 +247,10 @@ void ExportJob::TakeEncoderLine(const QString& line)
     if (line.isEmpty())
         return;
     Q_EMIT Line(line, true);
-    mLastLines << line;
-    if (mLastLines.size() > KeptLines)
-        mLastLines.removeFirst();
+    if (const QString error = ErrorIn(line); !error.isEmpty())
+        mEncoderError = error;
+    if (line != Farewell)
+        mLastLine = line;
 }
 
 void ExportJob::OnEncoderProgress()
@@ -288,7 +286,7 @@ void ExportJob::OnEncoderFinished(int exitCode, QProcess::ExitStatus status)
     const bool succeeded = status == QProcess::NormalExit && exitCode == 0 && !mStopping;
     if (!succeeded)
         mFeed->Cancel();
-    const QString reason = ReasonIn(mLastLines);
+    const QString reason = mEncoderError.isEmpty() ? mLastLine : mEncoderError;
     if (mStopping)
         Fail({});
     else if (status != QProcess::NormalExit)
@@ -341,7 +339,10 @@ void ExportJob::OnMovieFinished(const QString& error)
         Q_EMIT Line(tr("%1 pictures could not be read; black stands for what is missing.").arg(mProblems),
                     false);
     // What the feed says is the cause of what was counted.
-    const QString reason = mFeedError.isEmpty() ? error : mFeedError;
+    QString reason = mFeedError.isEmpty() ? error : mFeedError;
+    // It calls a movie done whose end it could not write.
+    if (!mEncoderError.isEmpty())
+        reason += tr(" The encoder said: %1").arg(mEncoderError);
     if (!error.isEmpty() || (mStopping && QFile::exists(mUnfinishedFile)))
     {
         Fail(mStopping ? QString() : reason);
@@ -350,12 +351,11 @@ void ExportJob::OnMovieFinished(const QString& error)
     mUnfinishedFile.clear();
     Q_EMIT Progress(FullProgress);
     const double seconds = static_cast<double>(mClock.elapsed()) / 1000.0;
-    Q_EMIT Line(tr("Exported %1 frames to %2 in %3 s (%4 frames per second, %5 MB).")
-                    .arg(mPlan->FrameCount())
-                    .arg(mOptions.outputPath)
-                    .arg(seconds, 0, 'f', 1)
-                    .arg(mPlan->FrameCount() / std::max(seconds, 0.001), 0, 'f', 1)
-                    .arg(static_cast<double>(QFileInfo(mOptions.outputPath).size()) / 1e6, 0, 'f', 1),
+    const double megabytes = static_cast<double>(QFileInfo(mOptions.outputPath).size()) / 1e6;
+    Q_EMIT Line(tr("Exported %1 frames in %2 s (%3 fps, %4 MB).")
+                    .arg(QString::number(mPlan->FrameCount()), QString::number(seconds, 'f', 1),
+                         QString::number(mPlan->FrameCount() / std::max(seconds, 0.001), 'f', 1),
+                         QString::number(megabytes, 'f', 1)),
                 false);
     End(true);
 }

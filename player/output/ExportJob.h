@@ -73,8 +73,9 @@ private:
     std::unique_ptr<EncoderFeed> mFeed;
     QByteArray mEncoderOutput;
     QByteArray mEncoderProgress;
-    /// The encoder's last words: why it failed.
-    QStringList mLastLines;
+    /// Why the encoder failed: the last error that it told of, else its last words.
+    QString mEncoderError;
+    QString mLastLine;
     QString mFeedError;
     int mProblems = 0;
     bool mRunning = false;

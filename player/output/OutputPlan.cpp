@@ -14,26 +14,27 @@
 namespace
 {
 
+/// Where the sources stand in a plan's media.
+using MediaIndexes = std::map<const MediaSource*, int>;
+
 /// Index of the medium of @p source in @p plan, which takes it over where it is new.
-int MediaIndex(OutputPlan& plan, const MediaSource& source)
+int MediaIndex(OutputPlan& plan, MediaIndexes& indexes, const MediaSource& source)
 {
-    const auto found = std::find_if(plan.media.begin(), plan.media.end(),
-                                    [&](const MediaInfo& info) { return info.path == source.Info().path; });
-    if (found != plan.media.end())
-        return static_cast<int>(found - plan.media.begin());
-    plan.media.push_back(source.Info());
-    return static_cast<int>(plan.media.size()) - 1;
+    const auto [found, isNew] = indexes.try_emplace(&source, static_cast<int>(plan.media.size()));
+    if (isNew)
+        plan.media.push_back(source.Info());
+    return found->second;
 }
 
-void AddFrame(OutputPlan& plan, OutputTrack& track, ProjectTimeline& timeline, int frame,
-              bool withAnnotations)
+void AddFrame(OutputPlan& plan, MediaIndexes& indexes, OutputTrack& track, ProjectTimeline& timeline,
+              int frame, bool withAnnotations)
 {
     OutputPlace place;
     const std::vector<TimelineSegment>& segments = timeline.Segments();
     if (const int index = SegmentIndex(segments, frame); index >= 0)
     {
         const TimelineSegment& segment = segments[static_cast<size_t>(index)];
-        place.media = MediaIndex(plan, *segment.source);
+        place.media = MediaIndex(plan, indexes, *segment.source);
         place.frame = segment.MediaFrameOf(frame);
     }
     const FrameData* const drawings = withAnnotations ? timeline.Annotations()->Find(frame) : nullptr;
@@ -42,7 +43,7 @@ void AddFrame(OutputPlan& plan, OutputTrack& track, ProjectTimeline& timeline, i
     track.places.push_back(place);
 }
 
-void AddSound(OutputPlan& plan, ProjectTimeline& timeline)
+void AddSound(OutputPlan& plan, MediaIndexes& indexes, ProjectTimeline& timeline)
 {
     const int first = plan.frames.front();
     const int last = plan.frames.back();
@@ -55,7 +56,7 @@ void AddSound(OutputPlan& plan, ProjectTimeline& timeline)
         if (from > to || !info.hasAudio || !QFileInfo::exists(info.path))
             continue;
         OutputSound sound;
-        sound.media = MediaIndex(plan, *segment.source);
+        sound.media = MediaIndex(plan, indexes, *segment.source);
         sound.mediaTime = info.frameRate.FrameToTime(segment.mediaFirst) +
                           rate.FrameToTime(int64_t(from) - segment.first + 1);
         sound.start = rate.FrameToTime(int64_t(from) - first + 1);
@@ -82,6 +83,7 @@ OutputPlan MakeOutputPlan(const OutputViewers& viewers, const std::vector<int>& 
 {
     ProjectTimeline& lead = *viewers.timelines[static_cast<size_t>(viewers.leading)];
     OutputPlan plan;
+    MediaIndexes indexes;
     plan.name = lead.GetName();
     plan.rate = lead.Rate();
     plan.frames = frames;
@@ -99,11 +101,11 @@ OutputPlan MakeOutputPlan(const OutputViewers& viewers, const std::vector<int>& 
             const int shown =
                 leads ? frame
                       : timeline->TimeToFrame(lead.FrameToTime(frame) + Settings::ROUNDING_ERROR_EXTRA_TIME);
-            AddFrame(plan, plan.tracks[viewer], *timeline, shown, withAnnotations);
+            AddFrame(plan, indexes, plan.tracks[viewer], *timeline, shown, withAnnotations);
         }
     }
     if (withSound && !frames.empty())
-        AddSound(plan, lead);
+        AddSound(plan, indexes, lead);
     return plan;
 }
 

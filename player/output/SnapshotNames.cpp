@@ -36,10 +36,9 @@ QString SnapshotNames::Problem(const QString& name)
 QString SnapshotNames::Numbered(const Parts& parts, SnapshotNumbering numbering, int padding, int position,
                                 int frame)
 {
-    return QStringLiteral("%1.%2.%3")
-        .arg(parts.stem)
-        .arg(numbering == SnapshotNumberingFrame ? frame : position, padding, 10, QLatin1Char('0'))
-        .arg(parts.suffix);
+    const QString number = QString::number(numbering == SnapshotNumberingFrame ? frame : position)
+                               .rightJustified(padding, QLatin1Char('0'));
+    return parts.stem + QLatin1Char('.') + number + QLatin1Char('.') + parts.suffix;
 }
 
 QString SnapshotNames::Unused(const QString& directory, const Parts& parts)
@@ -47,7 +46,8 @@ QString SnapshotNames::Unused(const QString& directory, const Parts& parts)
     const QDir dir(directory);
     QString path = dir.filePath(parts.stem + QLatin1Char('.') + parts.suffix);
     for (int number = 2; QFileInfo::exists(path); ++number)
-        path = dir.filePath(QStringLiteral("%1 (%2).%3").arg(parts.stem).arg(number).arg(parts.suffix));
+        path =
+            dir.filePath(QStringLiteral("%1 (%2).%3").arg(parts.stem, QString::number(number), parts.suffix));
     return path;
 }
 

@@ -74,8 +74,10 @@ void BookmarkController::ClearFrame(int viewer, bool removeBookmark)
 void BookmarkController::AddFrame()
 {
     const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->LeadingTimeline();
-    if (timeline && !timeline->MarkedFrames().contains(mPlayback->CurrentFrame()))
-        Mark(tr("Add Bookmark"), timeline, mPlayback->CurrentFrame(), true);
+    const int frame = mPlayback->CurrentFrame();
+    if (timeline && !timeline->MarkedFrames().contains(frame) &&
+        timeline->Annotations()->Drawings(frame).isEmpty())
+        Mark(tr("Add Bookmark"), timeline, frame, true);
 }
 
 void BookmarkController::RemoveFrame()
@@ -90,6 +92,9 @@ void BookmarkController::ToggleFrame()
     if (!timeline)
         return;
     const int frame = mPlayback->CurrentFrame();
+    // A step that shows nowhere would only puzzle who undoes it.
+    if (!timeline->Annotations()->Drawings(frame).isEmpty())
+        return;
     const bool marked = timeline->MarkedFrames().contains(frame);
     Mark(marked ? tr("Remove Bookmark") : tr("Add Bookmark"), timeline, frame, !marked);
 }

@@ -26,11 +26,11 @@ public:
     void ClearFrame(int viewer, bool removeBookmark);
 
 public Q_SLOTS:
-    /// Bookmarks the current frame; nothing if it has a mark already.
+    /// Bookmarks the current frame, unless its mark or its drawings make it bookmarked already.
     void AddFrame();
     /// Removes the bookmark of the current frame with the drawings that it carries.
     void RemoveFrame();
-    /// Marks the current frame, or takes its mark away; drawings stay with the bookmark that they make.
+    /// Marks the current frame, or takes its mark away; a frame with drawings stays bookmarked as it is.
     void ToggleFrame();
     /// Bookmarks the playback range.
     void AddRange();

@@ -186,7 +186,10 @@ void Project::SetSettings(const ProjectSettings& settings)
     ProjectChange change;
     change.kind = ProjectChange::Kind::Settings;
     change.settings = {mContent.settings, settings};
-    Push({tr("Project Settings"), {}, false}, {change});
+    Changes changes{change};
+    if (!qFuzzyCompare(settings.imageSequenceFrameRate, mContent.settings.imageSequenceFrameRate))
+        AppendRetimes(changes, FrameRate::FromPerSecond(settings.imageSequenceFrameRate));
+    Push({tr("Project Settings"), {}, false}, changes);
 }
 
 QString Project::SourceRootPath() const

@@ -158,7 +158,8 @@ public:
     QString SourceRootPath() const;
     /// What a source root says: with Settings::PROJECT_DIRECTORY_VAR, which an empty one stands for.
     const ProjectSettings& GetSettings() const;
-    /// Sets the settings, as a step of the undo stack.
+    /// Sets the settings, as a step of the undo stack. Another frame rate re-times every image sequence: each
+    /// keeps its frames and what hangs on them.
     void SetSettings(const ProjectSettings& settings);
 
     // Elements of a timeline
@@ -287,6 +288,8 @@ private:
     void ReadMedium(const QUuid& id, const QString& path, const QString& text);
     void SetMedium(const std::shared_ptr<MediaTimeline>& timeline, const MediaInfo& info, bool missing,
                    const QString& text);
+    /// Adds to @p changes what gives every image sequence the frame rate @p rate.
+    void AppendRetimes(Changes& changes, const FrameRate& rate);
     void SwapMedium(const QUuid& id, const MediaInfo& info, bool missing);
     /// Makes the step of an import that has read its media.
     void FinishImport(RunningImport& running);

@@ -263,3 +263,28 @@ void Project::SwapMedium(const QUuid& id, const MediaInfo& info, bool missing)
     AppendStates(changes, FollowersOf({timeline.get()}), {});
     Apply(changes);
 }
+
+void Project::AppendRetimes(Changes& changes, const FrameRate& rate)
+{
+    QList<std::shared_ptr<MediaTimeline>> sources = mContent.RemovedSources();
+    for (const std::shared_ptr<ProjectTimeline>& timeline : Timelines(true))
+        sources.append(std::dynamic_pointer_cast<MediaTimeline>(timeline));
+    QSet<const ProjectTimeline*> retimed;
+    for (const std::shared_ptr<MediaTimeline>& source : qAsConst(sources))
+    {
+        const auto old = source->GetMediaSource();
+        if (!old->Info().isSequence || old->Info().frameRate == rate)
+            continue;
+        MediaInfo info = old->Info();
+        info.frameRate = rate;
+        ProjectChange change;
+        change.kind = ProjectChange::Kind::Medium;
+        change.id = source->GetID();
+        change.object = source;
+        change.medium = {old, std::make_shared<const MediaSource>(old->GetID(), info, old->IsMissing())};
+        changes.append(change);
+        retimed.insert(source.get());
+    }
+    if (!retimed.isEmpty())
+        AppendStates(changes, FollowersOf(retimed), {});
+}

@@ -49,6 +49,8 @@ public:
     /// The table of keys; ApplyKeys() brings a change of it into force.
     KeyBindings* Keys() const;
     void ApplyKeys();
+
+public Q_SLOTS:
     /// Brings the check marks in line with what the commands say.
     void UpdateSwitches();
 

@@ -23,5 +23,6 @@ QPalette DarkPalette()
     for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         palette.setColor(QPalette::Disabled, role, faint);
     palette.setColor(QPalette::Disabled, QPalette::Highlight, QColor(70, 70, 70));
+    palette.setColor(QPalette::Disabled, QPalette::HighlightedText, QColor(150, 150, 150));
     return palette;
 }

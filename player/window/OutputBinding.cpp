@@ -43,6 +43,7 @@ OutputBinding::OutputBinding(PlaybackController* playback, ViewerWidget* viewer,
     connect(mJob.get(), SIGNAL(Line(QString, bool)), this, SLOT(OnExportLine(QString, bool)));
     connect(mJob.get(), SIGNAL(Progress(int)), this, SLOT(OnExportProgress(int)));
     connect(mJob.get(), SIGNAL(Finished(bool)), this, SLOT(OnExportFinished()));
+    connect(playback, SIGNAL(LeadingTimelineChanged()), this, SLOT(UpdateTimelineSize()));
 }
 
 OutputBinding::~OutputBinding() = default;
@@ -129,17 +130,24 @@ void OutputBinding::MakeExportDialog()
 
     const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->LeadingTimeline();
     QString directory = Settings::defaultExportOutputDirPath;
-    if (const std::shared_ptr<const MediaSource> source = timeline->SourceAt(mPlayback->CurrentFrame()))
-    {
-        mDialog->SetTimelineWidthHeight(source->Info().width, source->Info().height);
-        if (directory.isEmpty())
-            directory = QFileInfo(source->Info().path).absolutePath();
-    }
+    const std::shared_ptr<const MediaSource> source = timeline->SourceAt(mPlayback->CurrentFrame());
+    if (source && directory.isEmpty())
+        directory = QFileInfo(source->Info().path).absolutePath();
+    UpdateTimelineSize();
     mDialog->SetDefaultOutputDirPath(directory);
     // Another name than that of the source, whose directory this often is.
     const QString name = QFileInfo(timeline->GetName()).completeBaseName();
     if (!directory.isEmpty() && !name.isEmpty())
         mDialog->SetOutputPath(QDir(directory).filePath(tr("%1 export.mp4").arg(name)));
+}
+
+void OutputBinding::UpdateTimelineSize()
+{
+    const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->LeadingTimeline();
+    const std::shared_ptr<const MediaSource> source =
+        timeline ? timeline->SourceAt(mPlayback->CurrentFrame()) : nullptr;
+    if (mDialog && source)
+        mDialog->SetTimelineWidthHeight(source->Info().width, source->Info().height);
 }
 
 void OutputBinding::OnExportRequested(const QString& outputPath, int width, int height, int quality,

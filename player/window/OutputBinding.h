@@ -49,6 +49,7 @@ private Q_SLOTS:
     void OnExportLine(const QString& text, bool detailedOnly);
     void OnExportProgress(int perMille);
     void OnExportFinished();
+    void UpdateTimelineSize();
 
 private:
     void OpenExportDialog();

@@ -7,8 +7,11 @@
 #include "viewers/ViewerWidget.h"
 #include "window/BarCommands.h"
 #include "window/CommandTable.h"
+#include "window/ConsoleBinding.h"
 #include "window/OutputBinding.h"
 #include "window/PanelCommands.h"
+#include "window/ScriptCommands.h"
+#include "window/SettingsBinding.h"
 
 #include <algorithm>
 
@@ -38,6 +41,9 @@ std::vector<Command> PlayerWindow::MakeCommands()
     AddAnnotationCommands(commands, mAnnotationBar, mAnnotation,
                           [this](bool removeBookmark) { ClearFrame(removeBookmark); });
     AddBookmarkCommands(commands, mBookmarks, mBookmarksBar);
+    AddConsoleCommands(commands, mConsole);
+    AddScriptCommands(commands, mScripts);
+    AddHelpCommands(commands, mSettings);
     return commands;
 }
 
@@ -52,6 +58,7 @@ void PlayerWindow::AddFileCommands(std::vector<Command>& commands)
                         [this] { OpenFromDialog(1); },
                         {}});
     mOutput->AddCommands(commands);
+    AddSettingsCommands(commands, mSettings);
     commands.push_back(
         {"file.quit", tr("|&Quit"), "file", Keys({Qt::CTRL + Qt::Key_Q}), [this] { close(); }, {}});
     commands.push_back({"media.next",

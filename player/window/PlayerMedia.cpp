@@ -12,6 +12,8 @@
 #include "window/CommandTable.h"
 #include "window/DemoDrawing.h"
 #include "window/MessageBar.h"
+#include "window/RecentFiles.h"
+#include "window/SettingsBinding.h"
 #include "window/ViewerBackEndChoice.h"
 
 #include <QAction>
@@ -36,10 +38,22 @@ void PlayerWindow::OpenFromDialog(int viewer)
     const QStringList paths = QFileDialog::getOpenFileNames(
         this, viewer == 0 ? tr("Open Media") : tr("Open Media in Viewer B"), QString(),
         tr("Movies and Images (%1);;All Files (*)").arg(patterns.join(QLatin1Char(' '))));
-    if (paths.isEmpty())
+    if (!paths.isEmpty())
+        OpenForUser(paths, viewer);
+}
+
+void PlayerWindow::OpenForUser(const QStringList& paths, int viewer)
+{
+    // Viewer B is one of this player.
+    if (viewer != 1 && mSettings->OpenElsewhere(paths))
         return;
     mMessages->Clear();
     OpenFiles(paths, viewer);
+}
+
+void PlayerWindow::OnRecentFilePicked(const QString& path)
+{
+    OpenForUser({path}, mPlayback->ActiveViewer());
 }
 
 void PlayerWindow::OnMediaOpened(int index, int viewer)
@@ -60,11 +74,15 @@ void PlayerWindow::OnMediaOpened(int index, int viewer)
                                            .arg(info.missingFrames)
                                            .arg(info.frameCount));
     UpdateMediaMenu();
+    mRecentFiles->Add(info.path);
     // A medium that is opened beside others goes to the first viewer only while nothing is there.
     if (viewer < 0 && !mPlayback->TimelineOf(0) && !mMedia->IsOpening())
         viewer = 0;
     if (viewer >= 0)
+    {
         ShowEntry(index, viewer);
+        mSettings->FitWindow(QSize(info.width, info.height));
+    }
     EmitIfSettled();
 }
 
@@ -101,6 +119,16 @@ void PlayerWindow::ShowEntry(int index, int viewer)
         mPlayWhenReady = false;
         mPlayback->Play(1);
     }
+}
+
+void PlayerWindow::ShowTimeline(const std::shared_ptr<ProjectTimeline>& timeline, int viewer)
+{
+    const std::vector<MediaLibrary::Entry>& entries = mMedia->Entries();
+    const auto found =
+        std::find_if(entries.begin(), entries.end(),
+                     [&](const MediaLibrary::Entry& entry) { return entry.timeline == timeline; });
+    if (found != entries.end())
+        ShowEntry(static_cast<int>(found - entries.begin()), viewer);
 }
 
 void PlayerWindow::DrawDemoWhenReady()
@@ -172,14 +200,20 @@ void PlayerWindow::OnFrameFailed(int media, int frame, const QString& text)
     Logger::GetInstance()->Error(text);
 }
 
-void PlayerWindow::EmitIfSettled()
+bool PlayerWindow::IsSettled() const
 {
     if (mMedia->IsOpening())
-        return;
+        return false;
     for (int viewer = 0; viewer < PlaybackController::ViewerCount; ++viewer)
     {
         if (mPlayback->ShownFrame(viewer) != mPlayback->WantedFrame(viewer))
-            return;
+            return false;
     }
-    Q_EMIT Settled();
+    return true;
+}
+
+void PlayerWindow::EmitIfSettled()
+{
+    if (IsSettled())
+        Q_EMIT Settled();
 }

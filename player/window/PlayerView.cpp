@@ -6,6 +6,7 @@
 #include "annotation/AnnotationStore.h"
 #include "annotation/FullPaint.h"
 #include "host/Settings.h"
+#include "media/FrameLoader.h"
 #include "playback/PlaybackController.h"
 #include "project/BookmarkController.h"
 #include "project/MediaLibrary.h"
@@ -15,6 +16,7 @@
 #include "window/CommandTable.h"
 #include "window/MessageBar.h"
 #include "window/PanelTogglesBinding.h"
+#include "window/RecentFiles.h"
 #include "window/TimelineBinding.h"
 #include "window/VolumeBarBinding.h"
 
@@ -177,8 +179,13 @@ void PlayerWindow::OnPanZoomChangeRequested(QPointF panInterpolation, float zoom
     mZoom = zoom;
     mViewer->SetPanAndZoom(panInterpolation, zoom, enabled);
     RefreshViewers();
-    mAnnotation->Text()->PlaceCaret();
+    mAnnotation->Text()->FollowPicture();
     UpdateStatus();
+}
+
+void PlayerWindow::SetPanAndZoom(const QPointF& pan, float zoom)
+{
+    OnPanZoomChangeRequested(pan, zoom, true);
 }
 
 void PlayerWindow::SetZoom(float zoom)
@@ -204,4 +211,16 @@ void PlayerWindow::SetLayout(int layout)
     mViewer->SetViewerLayout(static_cast<ViewerLayout>(layout));
     RefreshViewers();
     SyncBars();
+}
+
+void PlayerWindow::OnSettingsChanged()
+{
+    mLoader->SetCacheSize(Settings::cacheSize);
+    if (mZoom > Settings::zoomMaximum)
+        SetZoom(mZoom);
+    mRecentFiles->Update();
+    ArrangeTimelines();
+    OnToolChanged();
+    SyncBars();
+    mCommands->UpdateSwitches();
 }

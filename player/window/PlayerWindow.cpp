@@ -22,11 +22,15 @@
 #include "window/AnnotationBarBinding.h"
 #include "window/BookmarksBarBinding.h"
 #include "window/CommandTable.h"
+#include "window/ConsoleBinding.h"
+#include "window/EarlyLog.h"
 #include "window/MessageBar.h"
 #include "window/OutputBinding.h"
 #include "window/PanelArea.h"
 #include "window/PanelTogglesBinding.h"
-#include "window/PlainTooltips.h"
+#include "window/RecentFiles.h"
+#include "window/ScriptBinding.h"
+#include "window/SettingsBinding.h"
 #include "window/TimelineBinding.h"
 #include "window/ViewerInput.h"
 #include "window/VolumeBarBinding.h"
@@ -102,12 +106,18 @@ QLabel* MakeStatusLabel(QWidget* parent, const char* objectName)
 
 PlayerWindow::PlayerWindow(const ViewerBackEndChoice& choice)
 {
+    const EarlyLog earlyLog;
     setObjectName(QStringLiteral("playerWindow"));
     mViewer = choice.MakeViewer(this);
     CreateWidgets();
     CreateActions();
     CreateLayout();
     CreateConnections();
+    for (const EarlyLog::Message& message : EarlyLog::Messages())
+    {
+        if (message.kind == EarlyLog::Kind::Warning || message.kind == EarlyLog::Kind::Error)
+            OnLogged(message.text);
+    }
     mVolumeBar->ReadState();
     mBookmarksBar->ReadState();
     mAnnotationBar->ReadState();
@@ -124,6 +134,11 @@ PlayerWindow::PlayerWindow(const ViewerBackEndChoice& choice)
 
 PlayerWindow::~PlayerWindow()
 {
+    delete mScripts;
+    // While all is there that hears of it: a text ends as the viewer loses the focus, and drawing with the
+    // tools.
+    mAnnotation->EndEdits();
+    hide();
     // The viewers hold plain pointers to the annotations of timelines that go before them.
     ShowPicture(mViewer, -1, QImage());
 }
@@ -168,11 +183,11 @@ void PlayerWindow::CreateWidgets()
     mPlayback->Lanes().SetPictureFormat(PictureFormatOf(mViewer));
     mInput = new ViewerInput(mViewer, mAnnotation, mPlayback, this);
     mTimelines = new TimelineBinding(mPlayback, mLoader, this, this);
-    mOutput = new OutputBinding(mPlayback, mViewer, [this] { return mAnnotationsVisible; }, this);
+    mOutput = new OutputBinding(
+        mPlayback, mViewer, [this] { return mAnnotationsVisible; }, this);
     mTransport = new PlaybackControlWidget(this);
     mTransport->setObjectName(QStringLiteral("transport"));
     mMessages = new MessageBar(this);
-    new PlainTooltips(this);
     mCenter = new QWidget(this);
     mViewerRow = new QWidget(mCenter);
     mPanels = new PanelArea(mCenter, this);
@@ -180,6 +195,9 @@ void PlayerWindow::CreateWidgets()
     mBookmarksBar = new BookmarksBarBinding(mBookmarks, mCenter, this);
     mVolumeBar = new VolumeBarBinding(mVolume, mCenter, this);
     mPanelToggles = new PanelTogglesBinding(mPanels, mAnnotationBar, mCenter, this);
+    mScripts = new ScriptBinding(this);
+    mConsole = new ConsoleBinding(this, mScripts->Engine());
+    mSettings = new SettingsBinding(this);
 }
 
 void PlayerWindow::CreateActions()
@@ -190,9 +208,9 @@ void PlayerWindow::CreateActions()
         const char* name;
         QString text;
     };
-    for (const MenuRow& row :
-         {MenuRow{"file", tr("&File")}, MenuRow{"playback", tr("&Playback")}, MenuRow{"view", tr("&View")},
-          MenuRow{"annotate", tr("&Annotate")}, MenuRow{"bookmarks", tr("&Bookmarks")}})
+    for (const MenuRow& row : {MenuRow{"file", tr("&File")}, MenuRow{"playback", tr("&Playback")},
+                               MenuRow{"view", tr("&View")}, MenuRow{"annotate", tr("&Annotate")},
+                               MenuRow{"bookmarks", tr("&Bookmarks")}, MenuRow{"scripts", tr("&Scripts")}})
     {
         QMenu* const menu = menuBar()->addMenu(row.text);
         menu->setObjectName(QLatin1String(row.name) + QLatin1String("Menu"));
@@ -202,6 +220,21 @@ void PlayerWindow::CreateActions()
     mMediaMenu = menuBar()->addMenu(tr("&Media"));
     mMediaMenu->setObjectName(QStringLiteral("mediaMenu"));
     UpdateMediaMenu();
+    QMenu* const helpMenu = menuBar()->addMenu(tr("&Help"));
+    helpMenu->setObjectName(QStringLiteral("helpMenu"));
+    mCommands->FillMenu(QStringLiteral("help"), helpMenu);
+
+    auto* const fileMenu = menuBar()->findChild<QMenu*>(QStringLiteral("fileMenu"));
+    auto* const recentMenu = new QMenu(tr("Open &Recent"), fileMenu);
+    recentMenu->setObjectName(QStringLiteral("recentFilesMenu"));
+    const QList<QAction*> fileActions = fileMenu->actions();
+    fileMenu->insertMenu(
+        fileActions.value(fileActions.indexOf(mCommands->Action(QStringLiteral("file.openViewerB"))) + 1),
+        recentMenu);
+    mRecentFiles =
+        new RecentFiles(QStringLiteral("recent/files"), &Settings::numRecentFiles, recentMenu, this);
+    mConsole->AddActions(mCommands);
+    mSettings->SetProject(nullptr);
 }
 
 void PlayerWindow::CreateLayout()
@@ -275,12 +308,24 @@ void PlayerWindow::CreateConnections()
     connect(mAnnotationBar, SIGNAL(ClearFrameRequested(bool)), this, SLOT(ClearFrame(bool)));
     connect(mVolumeBar, SIGNAL(LayoutRequested(int)), this, SLOT(SetLayout(int)));
     connect(mCommands, SIGNAL(CommandRun()), this, SLOT(SyncBars()));
+    connect(mAnnotationBar, SIGNAL(ToolChanged()), mCommands, SLOT(UpdateSwitches()));
+    connect(mAnnotationBar, SIGNAL(GhostingChanged()), mCommands, SLOT(UpdateSwitches()));
+    connect(mVolumeBar, SIGNAL(LoopChanged()), mCommands, SLOT(UpdateSwitches()));
+    connect(mVolume, SIGNAL(MutedChanged(bool)), mCommands, SLOT(UpdateSwitches()));
+    connect(mPanels, SIGNAL(VisibilityChanged(QString, bool)), mCommands, SLOT(UpdateSwitches()));
     connect(mCommands, SIGNAL(KeysChanged()), this, SLOT(OnKeysChanged()));
+    connect(mScripts, SIGNAL(DrawingsChanged(AnnotationStore*, int, bool)), this,
+            SLOT(OnDrawingsChanged(AnnotationStore*, int, bool)));
+    connect(mScripts, SIGNAL(BookmarksChanged(ProjectTimeline*, int, bool)), this,
+            SLOT(OnBookmarksChanged(ProjectTimeline*, int, bool)));
     connect(mLoader, SIGNAL(FrameFailed(int, int, QString)), this, SLOT(OnFrameFailed(int, int, QString)));
     connect(mTimelines, SIGNAL(GlobalPositionChangeRequested(bool)), this,
             SLOT(OnGlobalPositionChangeRequested(bool)));
     connect(mTimelines, SIGNAL(RangePositionChangeRequested(bool)), this,
             SLOT(OnRangePositionChangeRequested(bool)));
+    connect(mSettings, SIGNAL(Applied()), this, SLOT(OnSettingsChanged()));
+    connect(mSettings, SIGNAL(GhostingChanged()), this, SLOT(OnGhostingChanged()));
+    connect(mRecentFiles, SIGNAL(OpenRequested(QString)), this, SLOT(OnRecentFilePicked(QString)));
     connect(Logger::GetInstance(), SIGNAL(ErrorLogged(QString)), this, SLOT(OnLogged(QString)));
     connect(Logger::GetInstance(), SIGNAL(WarningLogged(QString)), this, SLOT(OnLogged(QString)));
 }
@@ -361,6 +406,36 @@ PanelArea* PlayerWindow::Panels() const
     return mPanels;
 }
 
+ConsoleBinding* PlayerWindow::Console() const
+{
+    return mConsole;
+}
+
+SettingsBinding* PlayerWindow::Preferences() const
+{
+    return mSettings;
+}
+
+ScriptBinding* PlayerWindow::Scripts() const
+{
+    return mScripts;
+}
+
+QUndoStack* PlayerWindow::UndoStack()
+{
+    return &mUndoStack;
+}
+
+QPointF PlayerWindow::Pan() const
+{
+    return mPan;
+}
+
+float PlayerWindow::Zoom() const
+{
+    return mZoom;
+}
+
 OutputBinding* PlayerWindow::Output() const
 {
     return mOutput;
@@ -429,8 +504,7 @@ void PlayerWindow::dropEvent(QDropEvent* event)
     if (paths.isEmpty())
         return;
     event->acceptProposedAction();
-    mMessages->Clear();
-    OpenFiles(paths, mAnnotation->Strokes()->ViewerAt(mapToGlobal(event->pos())));
+    OpenForUser(paths, mAnnotation->Strokes()->ViewerAt(mapToGlobal(event->pos())));
 }
 
 void PlayerWindow::keyPressEvent(QKeyEvent* event)
@@ -450,6 +524,12 @@ void PlayerWindow::closeEvent(QCloseEvent* event)
     }
     mPlayback->Pause();
     mAnnotation->EndEdits();
+    if (!mSettings->MayClose(!mUndoStack.isClean()))
+    {
+        event->ignore();
+        return;
+    }
+    mConsole->Close();
     mAnnotationBar->WriteState();
     mBookmarksBar->WriteState();
     mVolumeBar->WriteState();

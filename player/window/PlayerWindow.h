@@ -23,6 +23,7 @@ class AnnotationStore;
 class BookmarkController;
 class BookmarksBarBinding;
 class CommandTable;
+class ConsoleBinding;
 class FrameLoader;
 class MediaLibrary;
 class MessageBar;
@@ -34,8 +35,11 @@ class PlaybackController;
 class QLabel;
 class QMenu;
 class ProjectTimeline;
+class RecentFiles;
 class QVBoxLayout;
+class ScriptBinding;
 class SoundPlayer;
+class SettingsBinding;
 class StrokeController;
 class TimelineBinding;
 class ViewerInput;
@@ -65,6 +69,20 @@ public:
     ViewerWidget* Viewer() const;
     MediaLibrary* Media() const;
     StrokeController* Strokes() const;
+    ScriptBinding* Scripts() const;
+    QUndoStack* UndoStack();
+    /// Shows @p timeline, one of the media's, in viewer @p viewer.
+    void ShowTimeline(const std::shared_ptr<ProjectTimeline>& timeline, int viewer);
+    ConsoleBinding* Console() const;
+    /// Preferences, project settings, about box.
+    SettingsBinding* Preferences() const;
+    /// How the viewers are panned and zoomed, in ViewerWidget::SetPanAndZoom()'s terms.
+    QPointF Pan() const;
+    float Zoom() const;
+    void SetPanAndZoom(const QPointF& pan, float zoom);
+    void SetActiveViewer(int viewer);
+    /// Whether every viewer shows what it is to show, and nothing is being opened.
+    bool IsSettled() const;
     AnnotationController* Annotation() const;
     /// How loud it is to be.
     VolumeState* Volume() const;
@@ -73,6 +91,8 @@ public:
     PanelArea* Panels() const;
 
 public Q_SLOTS:
+    /// Has the window act on settings that have changed.
+    void OnSettingsChanged();
     /// Shows the viewers in @p layout, a ViewerLayout value.
     void SetLayout(int layout);
     /// Brings the bars in line with the settings, after these changed.
@@ -89,6 +109,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private Q_SLOTS:
+    void OnRecentFilePicked(const QString& path);
     void OnMediaOpened(int index, int viewer);
     void OnMediaFailed(const QString& text);
     void OnFrameFailed(int media, int frame, const QString& text);
@@ -122,6 +143,8 @@ private:
     void AddViewCommands(std::vector<Command>& commands);
 
     void OpenFromDialog(int viewer);
+    /// Opens @p paths as the user asks: in viewer @p viewer, or in a player of their own.
+    void OpenForUser(const QStringList& paths, int viewer);
     void ShowEntry(int index, int viewer);
     void ShowNeighbourEntry(int step);
     void UpdateMediaMenu();
@@ -132,7 +155,6 @@ private:
     void ShowChange(const ProjectTimeline* timeline, int frame);
     void ZoomBy(float factor);
     void SetZoom(float zoom);
-    void SetActiveViewer(int viewer);
     void EmitIfSettled();
     void ArrangeTimelines();
     void StepSeconds(int seconds);
@@ -161,6 +183,10 @@ private:
     PanelArea* mPanels = nullptr;
     CommandTable* mCommands = nullptr;
     MessageBar* mMessages = nullptr;
+    ScriptBinding* mScripts = nullptr;
+    ConsoleBinding* mConsole = nullptr;
+    SettingsBinding* mSettings = nullptr;
+    RecentFiles* mRecentFiles = nullptr;
     QMenu* mMediaMenu = nullptr;
     QLabel* mMediaLabel = nullptr;
     QLabel* mToolLabel = nullptr;

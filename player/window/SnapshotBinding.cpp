@@ -89,9 +89,9 @@ void SnapshotBinding::TakeShownFrame()
         Logger::GetInstance()->Error(tr("The directory %1 can't be made.").arg(mDirectory));
         return;
     }
-    const SnapshotNames::Parts parts = {
-        QStringLiteral("%1.%2").arg(BaseNameOf(*mTimeline)).arg(mFrame, DefaultPadding, 10, QLatin1Char('0')),
-        QStringLiteral("png")};
+    const QString number = QString::number(mFrame).rightJustified(DefaultPadding, QLatin1Char('0'));
+    const SnapshotNames::Parts parts = {BaseNameOf(*mTimeline) + QLatin1Char('.') + number,
+                                        QStringLiteral("png")};
     Begin({mFrame}, {SnapshotNames::Unused(mDirectory, parts)}, false);
 }
 
@@ -207,7 +207,8 @@ void SnapshotBinding::OnFinished(int written, const QStringList& problems)
         logger->Error(problem);
     if (problems.size() > ToldSnapshotProblems)
         logger->Error(tr("%1 more snapshots have problems.").arg(problems.size() - ToldSnapshotProblems));
-    const QString text = tr("%1 of %2 snapshots written to %3").arg(written).arg(mTotal).arg(mDirectory);
+    const QString text = tr("%1 of %2 snapshots written to %3")
+                             .arg(QString::number(written), QString::number(mTotal), mDirectory);
     if (mCancelled)
         logger->Warning(tr("Cancelled: %1").arg(text));
     else

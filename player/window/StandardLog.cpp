@@ -8,12 +8,16 @@
 namespace
 {
 
+void WriteText(FILE* stream, const QByteArray& text)
+{
+    // One call for the whole text: the stream's lock keeps it in one piece.
+    std::fwrite(text.constData(), 1, static_cast<size_t>(text.size()), stream);
+    std::fflush(stream);
+}
+
 void WriteLine(FILE* stream, const char* prefix, const QString& text)
 {
-    const QByteArray line = prefix + text.toUtf8() + (text.endsWith(QLatin1Char('\n')) ? "" : "\n");
-    // One call for the whole line: the stream's lock keeps it in one piece.
-    std::fwrite(line.constData(), 1, static_cast<size_t>(line.size()), stream);
-    std::fflush(stream);
+    WriteText(stream, prefix + text.toUtf8() + (text.endsWith(QLatin1Char('\n')) ? "" : "\n"));
 }
 
 } // namespace
@@ -24,7 +28,7 @@ StandardLog::StandardLog()
     Logger* const logger = Logger::GetInstance();
     const auto direct = Qt::DirectConnection;
     connect(
-        logger, &Logger::OutputLogged, this, [](const QString& text) { WriteLine(stdout, "", text); },
+        logger, &Logger::OutputLogged, this, [](const QString& text) { WriteText(stdout, text.toUtf8()); },
         direct);
     connect(
         logger, &Logger::InfoLogged, this, [](const QString& text) { WriteLine(stderr, "", text); }, direct);

@@ -8,7 +8,9 @@
 #include "viewers/ViewerWidget.h"
 
 #include <QApplication>
+#include <QCursor>
 #include <QMouseEvent>
+#include <QScreen>
 
 #include <algorithm>
 
@@ -98,6 +100,7 @@ void ViewerInput::OnScrubStateChanged(bool enabled)
     {
         mPressFrame = mPlayback->CurrentFrame();
         mScrubMoved = false;
+        mWrappedTo.reset();
     }
     mScrubbing = enabled;
     mPlayback->SetScrubbing(enabled);
@@ -105,6 +108,11 @@ void ViewerInput::OnScrubStateChanged(bool enabled)
 
 void ViewerInput::Scrub(const QPoint& globalPos)
 {
+    // Moves from before the cursor was put elsewhere are still on their way.
+    const QScreen* const screen = QGuiApplication::screenAt(globalPos);
+    if (mWrappedTo && screen && std::abs(globalPos.x() - *mWrappedTo) > screen->geometry().width() / 2)
+        return;
+    mWrappedTo.reset();
     const int distance = globalPos.x() - mPressPos.x();
     // A click is no scrub: the hand may tremble.
     if (!mScrubMoved && std::abs(distance) < QApplication::startDragDistance())
@@ -118,4 +126,25 @@ void ViewerInput::Scrub(const QPoint& globalPos)
     if (lead && frame != mPlayback->CurrentFrame())
         mPlayback->SeekTime(lead->FrameToTime(frame) + Settings::ROUNDING_ERROR_EXTRA_TIME,
                             Settings::audioScrub);
+    if (Settings::endlessMouseScurb)
+        WrapCursor(globalPos);
+}
+
+void ViewerInput::WrapCursor(const QPoint& globalPos)
+{
+    const QScreen* const screen = QGuiApplication::screenAt(globalPos);
+    if (!screen)
+        return;
+    const QRect area = screen->geometry();
+    int x = globalPos.x();
+    if (x <= area.left())
+        x = area.right() - 1;
+    else if (x >= area.right())
+        x = area.left() + 1;
+    else
+        return;
+    // The way that the hand has gone stays as long as it is.
+    mPressPos.rx() += x - globalPos.x();
+    mWrappedTo = x;
+    QCursor::setPos(x, globalPos.y());
 }

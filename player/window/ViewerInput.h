@@ -4,6 +4,8 @@
 #include <QObject>
 #include <QPoint>
 
+#include <optional>
+
 class AnnotationController;
 class PlaybackController;
 class QMouseEvent;
@@ -36,6 +38,8 @@ private:
     void Move(const QMouseEvent& event);
     void Release(const QMouseEvent& event);
     void Scrub(const QPoint& globalPos);
+    /// Puts the cursor at the other edge of the screen when it has come to one, so that scrubbing goes on.
+    void WrapCursor(const QPoint& globalPos);
 
     ViewerWidget* mViewer;
     AnnotationController* mAnnotation;
@@ -43,5 +47,7 @@ private:
     bool mScrubbing = false;
     bool mScrubMoved = false;
     QPoint mPressPos;
+    /// Where the cursor was put and hasn't been seen yet.
+    std::optional<int> mWrappedTo;
     int mPressFrame = 1;
 };

@@ -31,7 +31,9 @@ constexpr QSize ConsoleButtonSize(60, 24);
 constexpr int LargestStoredRow = 5;
 constexpr int RowOfOtherValues = 1;
 
-/// How long messages of other threads are written in one turn of the event loop, in milliseconds.
+/// How long messages of other threads are written as they arrive before further ones have to wait, and how
+/// long those that wait are written in one turn of the event loop, in milliseconds.
+constexpr qint64 LongestStart = 20;
 constexpr qint64 LongestTurn = 8;
 /// Pause that painting and input get between two turns, in milliseconds.
 constexpr int PauseBetweenTurns = 4;
@@ -197,7 +199,7 @@ bool ConsoleWindow::MustWait()
     if (!mWaitingMessages.isEmpty())
         return true;
     if (mWaitingTimer->isActive())
-        return mTurn.elapsed() >= LongestTurn;
+        return mTurn.elapsed() >= LongestStart;
     mTurn.start();
     mWaitingTimer->start(0);
     return false;

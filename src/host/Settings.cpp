@@ -110,12 +110,15 @@ struct SettingRow
     /// Takes a value of the file. Returns an empty text, or what is wrong with the value.
     std::function<QString(const QVariant&)> take;
     std::function<void()> restore;
+    /// The value is written as the text of a number.
+    bool isNumberText = false;
 };
 
 /// The text of @p value as it stood in the file, where a comma separates.
 QString FileText(const QVariant& value)
 {
-    return value.toStringList().join(QLatin1Char(','));
+    return value.type() == QVariant::StringList ? value.toStringList().join(QLatin1Char(','))
+                                                : value.toString();
 }
 
 QString WrongKind(const QVariant& value, const char* expected)
@@ -153,7 +156,7 @@ SettingRow NumberRow(const char* key, Number* setting, Number minimum, Number ma
             [setting]
             { return QVariant(QString::number(*setting, 'g', std::numeric_limits<Number>::max_digits10)); },
             [=](const QVariant& value) { return TakeNumber(value, minimum, maximum, setting); },
-            [=] { *setting = initial; }};
+            [=] { *setting = initial; }, true};
 }
 
 template<>
@@ -162,7 +165,7 @@ SettingRow NumberRow(const char* key, int* setting, int minimum, int maximum)
     const int initial = *setting;
     return {key, [setting] { return QVariant(*setting); },
             [=](const QVariant& value) { return TakeNumber(value, minimum, maximum, setting); },
-            [=] { *setting = initial; }};
+            [=] { *setting = initial; }, false};
 }
 
 template<typename Enum>
@@ -179,7 +182,7 @@ SettingRow EnumRow(const char* key, Enum* setting, Enum last)
                     *setting = static_cast<Enum>(number);
                 return complaint.isEmpty() ? QString() : WrongKind(value, "known choice");
             },
-            [=] { *setting = initial; }};
+            [=] { *setting = initial; }, false};
 }
 
 SettingRow BoolRow(const char* key, bool* setting)
@@ -195,7 +198,7 @@ SettingRow BoolRow(const char* key, bool* setting)
                 *setting = text == QLatin1String("true") || text == QLatin1String("1");
                 return QString();
             },
-            [=] { *setting = initial; }};
+            [=] { *setting = initial; }, false};
 }
 
 SettingRow TextRow(const char* key, QString* setting)
@@ -208,7 +211,7 @@ SettingRow TextRow(const char* key, QString* setting)
                 *setting = FileText(value);
                 return QString();
             },
-            [=] { *setting = initial; }};
+            [=] { *setting = initial; }, false};
 }
 
 SettingRow BytesRow(const char* key, QByteArray* setting)
@@ -224,7 +227,7 @@ SettingRow BytesRow(const char* key, QByteArray* setting)
                 *setting = *decoded;
                 return QString();
             },
-            [=] { *setting = initial; }};
+            [=] { *setting = initial; }, false};
 }
 
 SettingRow ColorRow(const char* key, QColor* setting)
@@ -239,7 +242,7 @@ SettingRow ColorRow(const char* key, QColor* setting)
                 *setting = color;
                 return QString();
             },
-            [=] { *setting = initial; }};
+            [=] { *setting = initial; }, false};
 }
 
 std::vector<SettingRow> MakeSettingRows()
@@ -249,7 +252,7 @@ std::vector<SettingRow> MakeSettingRows()
     const auto dropped = [](auto* setting)
     {
         const auto initial = *setting;
-        return SettingRow{nullptr, {}, {}, [=] { *setting = initial; }};
+        return SettingRow{nullptr, {}, {}, [=] { *setting = initial; }, false};
     };
     return {
         EnumRow("Annotations/annotationTool", &S::annotationTool, Rectangle),
@@ -338,6 +341,22 @@ std::vector<SettingRow> MakeSettingRows()
 /// defaults of RestoreDefaults().
 const std::vector<SettingRow> SettingRows = MakeSettingRows();
 
+QString NameOf(const SettingRow& row)
+{
+    return QString::fromLatin1(row.key).section(QLatin1Char('/'), 1);
+}
+
+/// The row of the setting called @p name; null if there is none.
+const SettingRow* FindRow(const QString& name)
+{
+    for (const SettingRow& row : SettingRows)
+    {
+        if (row.key && NameOf(row) == name)
+            return &row;
+    }
+    return nullptr;
+}
+
 QString& ConfigPath()
 {
     static QString path;
@@ -378,6 +397,38 @@ void Settings::RestoreDefaults()
 {
     for (const SettingRow& row : SettingRows)
         row.restore();
+}
+
+QStringList Settings::Names()
+{
+    QStringList names;
+    for (const SettingRow& row : SettingRows)
+    {
+        if (row.key)
+            names << NameOf(row);
+    }
+    return names;
+}
+
+QVariant Settings::Value(const QString& name)
+{
+    const SettingRow* const row = FindRow(name);
+    if (!row)
+        return {};
+    return row->isNumberText ? QVariant(row->value().toDouble()) : row->value();
+}
+
+QString Settings::SetValue(const QString& name, const QVariant& value)
+{
+    const SettingRow* const row = FindRow(name);
+    if (!row)
+        return QStringLiteral("there is no such setting");
+    const QVariant before = row->value();
+    const QString complaint = row->take(value);
+    if (!complaint.isEmpty())
+        row->take(before);
+    // What the file's reader does about it is said behind the first semicolon.
+    return complaint.left(complaint.lastIndexOf(QLatin1String("; ")));
 }
 
 bool Settings::ReadUserConfig()

@@ -12,6 +12,8 @@
 #include <QByteArray>
 #include <QColor>
 #include <QString>
+#include <QStringList>
+#include <QVariant>
 
 /// The user's settings: global values that every part reads and writes directly, on the GUI thread alone and
 /// without a signal on change.
@@ -40,6 +42,17 @@ public:
     static void SetUserConfigPath(const QString& path);
     /// Gives every setting its default value; touches no file.
     static void RestoreDefaults();
+
+    // Access by name, for scripts
+
+    /// The names of the settings that the file keeps, which are those of the members, in the file's order.
+    static QStringList Names();
+    /// The value of the setting called @p name: a bool, an int (enumerations too), a double or a text
+    /// (colours as "#AARRGGBB", bytes as base64); invalid if there is none.
+    static QVariant Value(const QString& name);
+    /// Gives the setting called @p name @p value, within the bounds that the file has. Returns an empty text,
+    /// or what is wrong with the value; nothing is changed then.
+    static QString SetValue(const QString& name, const QVariant& value);
 
     // Annotations and viewers
 

@@ -102,11 +102,9 @@ void TimelineListView::OnMoveElementsUpRequested()
     QList<int> targets;
     for (const int row : SelectedRows())
     {
-        int target = row - 1;
+        const int target = row - 1;
         if (target < 0)
             return;
-        if (!targets.isEmpty() && target == targets.last())
-            ++target;
         ids << ProjectRow::GetID(mTreeWidget->topLevelItem(row));
         targets << target;
     }
@@ -123,11 +121,9 @@ void TimelineListView::OnMoveElementsDownRequested()
     {
         // Counted with the element still in its place, so that the row after the next is the one to go
         // before.
-        int target = *row + 2;
+        const int target = *row + 2;
         if (target > count)
             return;
-        if (!targets.isEmpty() && target >= targets.last())
-            target = targets.last() - 1;
         ids << ProjectRow::GetID(mTreeWidget->topLevelItem(*row));
         targets << target;
     }

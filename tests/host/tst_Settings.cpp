@@ -217,6 +217,9 @@ private Q_SLOTS:
     void AnInvalidColourIsReadAsAColour();
     void DefaultsLieWithinTheirRanges();
     void ConstantsHoldTheirTexts();
+    void EverySettingIsHadByItsName();
+    void AWrongValueByNameChangesNothing_data();
+    void AWrongValueByNameChangesNothing();
     void RestoreDefaultsTouchesNoFile();
     void TheFileLiesInTheUsersConfigurationDirectory();
 
@@ -337,6 +340,50 @@ void tst_Settings::ConstantsHoldTheirTexts()
     QVERIFY(QRegularExpression(QStringLiteral("^\\d+\\.\\d+\\.\\d+$"))
                 .match(QString::fromLatin1(Settings::TORVALEN_PRO_VERSION_STRING))
                 .hasMatch());
+}
+
+void tst_Settings::EverySettingIsHadByItsName()
+{
+    QStringList expected;
+    for (const SettingCase& each : SettingCases())
+    {
+        expected << QString::fromLatin1(each.name);
+        const QVariant initial = Settings::Value(expected.last());
+        QVERIFY2(initial.isValid(), each.name);
+        each.change();
+        const QVariant changed = Settings::Value(expected.last());
+        QVERIFY2(changed != initial, each.name);
+        QCOMPARE(Settings::SetValue(expected.last(), initial), QString());
+        QVERIFY2(!each.isChanged(), each.name);
+        QCOMPARE(Settings::SetValue(expected.last(), changed), QString());
+        QVERIFY2(each.isChanged(), each.name);
+    }
+    QStringList names = Settings::Names();
+    names.sort();
+    expected.sort();
+    QCOMPARE(names, expected);
+}
+
+void tst_Settings::AWrongValueByNameChangesNothing_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<QString>("complaint");
+    QTest::newRow("too large") << "cacheSize" << QVariant(100000) << "100000 lies outside 256 to 65536";
+    QTest::newRow("no number") << "zoomMaximum" << QVariant("much") << "\"much\" is no number";
+    QTest::newRow("no choice") << "viewerLayout" << QVariant(3) << "\"3\" is no known choice";
+    QTest::newRow("no truth") << "audioScrub" << QVariant(2) << "\"2\" is no truth value (true or false)";
+    QTest::newRow("no colour") << "drawColor" << QVariant("a;b") << "\"a;b\" is no colour (#AARRGGBB)";
+    QTest::newRow("no setting") << "drawEnabled" << QVariant(true) << "there is no such setting";
+}
+
+void tst_Settings::AWrongValueByNameChangesNothing()
+{
+    QFETCH(QString, name);
+    QFETCH(QVariant, value);
+    const QVariant before = Settings::Value(name);
+    QTEST(Settings::SetValue(name, value), "complaint");
+    QCOMPARE(Settings::Value(name), before);
 }
 
 void tst_Settings::RestoreDefaultsTouchesNoFile()

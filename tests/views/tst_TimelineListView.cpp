@@ -9,10 +9,12 @@
 #include "views/TimelineListView.h"
 #include "views/TimelineListViewTreeWidget.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QBoxLayout>
 #include <QtTest>
 
+#include <ctime>
 #include <limits>
 
 /// What the list shows and what its buttons ask for; its menu and its drags have test classes of their own.
@@ -542,16 +544,17 @@ void tst_TimelineListView::PanelMayGoDuringAMove()
 void tst_TimelineListView::TenThousandElements()
 {
     constexpr int count = 10000;
-    constexpr qint64 limit = 500;
+    // Of the processor's time, which other programs don't lengthen.
+    constexpr int limit = 500;
     auto many = std::make_shared<FakeElementTimeline>(count);
-    QElapsedTimer timer;
-    const auto measure = [&timer](const char* what)
+    std::clock_t start = std::clock();
+    const auto measure = [&start](const char* what)
     {
-        const qint64 elapsed = timer.elapsed();
-        qInfo("%s: %lld ms", what, elapsed);
+        const int elapsed = int((std::clock() - start) * 1000 / CLOCKS_PER_SEC);
+        qInfo("%s: %d ms", what, elapsed);
+        start = std::clock();
         return elapsed;
     };
-    timer.start();
     mView->SetTimeline(many);
     QCOMPARE(mTree->topLevelItemCount(), count);
     QVERIFY(measure("fill") < limit);
@@ -559,7 +562,7 @@ void tst_TimelineListView::TenThousandElements()
     QList<QUuid> ids;
     for (int row = 1; row < count - 1; row += 2)
         ids << NumberedID(row + 1);
-    timer.start();
+    start = std::clock();
     mTree->SelectItems(ids);
     QVERIFY(measure("select every other row") < limit);
     QCOMPARE(mTree->selectedItems().size(), ids.size());
@@ -567,7 +570,7 @@ void tst_TimelineListView::TenThousandElements()
     QSignalSpy moves(mView.get(), SIGNAL(MoveElementsRequested(QList<QUuid>, QList<int>)));
     for (const bool isUp : {true, false})
     {
-        timer.start();
+        start = std::clock();
         if (isUp)
             mView->OnMoveElementsUpRequested();
         else
@@ -575,20 +578,20 @@ void tst_TimelineListView::TenThousandElements()
         QVERIFY(measure("ask to move every other row") < limit);
         QCOMPARE(moves.takeFirst().at(0).value<QList<QUuid>>().size(), ids.size());
     }
-    timer.start();
+    start = std::clock();
     mView->OnRemoveElementsRequested();
     QVERIFY(measure("ask to remove every other row") < limit);
     for (const int active : {3, 9000})
     {
-        timer.start();
+        start = std::clock();
         mView->SetActiveElementID(NumberedID(active));
         QVERIFY(measure("highlight") < limit);
     }
-    timer.start();
+    start = std::clock();
     mTree->selectAll();
     QVERIFY(measure("select all") < limit);
     mTree->SelectItems(ids);
-    timer.start();
+    start = std::clock();
     mView->SetTimeline(many);
     QVERIFY(measure("refill, every other row selected") < limit);
 }

@@ -419,7 +419,6 @@ void ExportDialog::CreateConnections()
 
 bool ExportDialog::ConfirmStop()
 {
-    return mExporting &&
-           QMessageBox::question(this, tr("Stop Export"), tr("Stop the export process?"),
-                                 QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
+    return mExporting && QMessageBox::question(this, tr("Stop Export"), tr("Stop the export process?"),
+                                               QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
 }

@@ -5,6 +5,7 @@
 #include "host/Settings.h"
 #include "ui_PreferencesDialog.h"
 
+#include <QAbstractItemView>
 #include <QFileDialog>
 #include <QFileInfo>
 
@@ -46,6 +47,9 @@ PreferencesDialog::PreferencesDialog(const QString& defaultDirPath, KeyBindings*
     FillCombo(mForm->exportQualityCmb, {tr("Very High  "), tr("High"), tr("Medium"), tr("Low")});
     FillCombo(mForm->exportPresetCmb, {tr("Very Slow"), tr("Slower"), tr("Slow"), tr("Medium"), tr("Fast"),
                                        tr("Faster"), tr("Very Fast"), tr("Super Fast"), tr("Ultra Fast")});
+    // The page is narrower than the longest text, which can be read in the open list at least.
+    QAbstractItemView* const modes = mForm->ghostDrawModeCmb->view();
+    modes->setMinimumWidth(modes->sizeHintForColumn(0));
     CreateConnections();
     LoadSettings();
     LoadKeyBindings();

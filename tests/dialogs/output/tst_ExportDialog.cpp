@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "ModalScript.h"
 #include "dialogs/output/ExportDialog.h"
 #include "host/Settings.h"
+#include "support/ModalScript.h"
 #include "support/TestRegistry.h"
 
 #include <QCheckBox>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "ModalScript.h"
 #include "dialogs/output/SnapshotProgressDialog.h"
+#include "support/ModalScript.h"
 #include "support/TestRegistry.h"
 
 #include <QHBoxLayout>

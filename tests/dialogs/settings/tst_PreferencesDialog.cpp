@@ -242,7 +242,7 @@ void tst_PreferencesDialog::NumbersOutOfRangeAreClampedAndWrittenSo_data()
     QTest::newRow("width") << QByteArray("exportDimensionsWidthSB") << QVariant(100) << QVariant(240);
     QTest::newRow("height") << QByteArray("exportDimensionsHeightSB") << QVariant(9999) << QVariant(4096);
     QTest::newRow("port") << QByteArray("portSB") << QVariant(70000) << QVariant(65535);
-    QTest::newRow("no such profile") << QByteArray("exportProfileCmb") << QVariant(7) << QVariant(0);
+    QTest::newRow("no such profile") << QByteArray("exportProfileCmb") << QVariant(3) << QVariant(0);
 }
 
 void tst_PreferencesDialog::NumbersOutOfRangeAreClampedAndWrittenSo()

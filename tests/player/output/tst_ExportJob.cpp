@@ -93,7 +93,7 @@ void tst_ExportJob::EveryFrameComesBack()
     QCOMPARE(QSize(info.width, info.height), QSize(320, 180));
     QCOMPARE(info.codecName, QStringLiteral("h264"));
     QVERIFY(!info.hasAudio);
-    QVERIFY(record.basicLines.last().startsWith(QStringLiteral("Exported %1 frames to ").arg(frames)));
+    QVERIFY(record.basicLines.last().startsWith(QStringLiteral("Exported %1 frames in ").arg(frames)));
     QVERIFY(!job.IsRunning());
 }
 
@@ -289,7 +289,8 @@ void tst_ExportJob::EncoderSpeaksInTheDetailedLog()
     ExportJob job;
     const OutputProbe::Record record = OutputProbe::Run(job, OutputProbe::WholePlan(*timeline),
                                                         OutputProbe::Options(dir.filePath("out.mp4")));
-    QCOMPARE(record.basicLines.size(), 2);
+    QCOMPARE(record.basicLines.size(), 3);
+    QCOMPARE(record.basicLines[1], "To " + dir.filePath("out.mp4"));
     QVERIFY(record.detailedLines.filter("libx264").size() > 2);
     QVERIFY(record.detailedLines.size() > 10);
     for (const QString& line : record.basicLines)

@@ -3,6 +3,7 @@
 
 #include "media/NumberedMedia.h"
 #include "playback/PlaybackController.h"
+#include "support/InputEvents.h"
 #include "viewers/ViewerWidget.h"
 #include "window/PlayerWindow.h"
 
@@ -61,6 +62,58 @@ QRect PictureRect(PlayerWindow* window, int viewer, const QSize& pictureSize)
 int NumberOnScreen(PlayerWindow* window, int viewer)
 {
     return NumberedMedia::NumberIn(ScreenOfViewer(window).copy(PictureRect(window, viewer)));
+}
+
+QWidget* Part(PlayerWindow* window, const char* name)
+{
+    return window->findChild<QWidget*>(QLatin1String(name));
+}
+
+void Click(QWidget* widget, Qt::MouseButton button)
+{
+    InputEvents::Press(widget, widget->rect().center(), button);
+    InputEvents::Release(widget, widget->rect().center(), button);
+}
+
+void Drag(PlayerWindow* window, const QPoint& from, const QPoint& to, int steps)
+{
+    ViewerWidget* const viewer = window->Viewer();
+    InputEvents::Press(viewer, from);
+    for (int step = 1; step <= steps; ++step)
+        InputEvents::Move(viewer, from + (to - from) * step / (steps + 1), Qt::LeftButton);
+    InputEvents::Release(viewer, to);
+    LeaveViewers(window);
+}
+
+void LeaveViewers(PlayerWindow* window)
+{
+    InputEvents::Move(window, QPoint(window->width() - 5, window->height() - 5));
+    QCoreApplication::processEvents();
+}
+
+ExpectedOverlay::ExpectedOverlay(const QImage& picture, const QColor& color, double width)
+    : mPicture(picture.convertToFormat(QImage::Format_RGB32)), mOverlay(picture.size(), QImage::Format_ARGB32)
+{
+    mOverlay.fill(Qt::transparent);
+    mPainter.begin(&mOverlay);
+    mPainter.setRenderHint(QPainter::Antialiasing);
+    mPainter.setCompositionMode(QPainter::CompositionMode_Source);
+    mPainter.setPen(QPen(color, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+}
+
+ExpectedOverlay::~ExpectedOverlay()
+{
+    if (mPainter.isActive())
+        mPainter.end();
+}
+
+QImage ExpectedOverlay::Over()
+{
+    mPainter.end();
+    QPainter painter(&mPicture);
+    painter.drawImage(0, 0, mOverlay);
+    painter.end();
+    return mPicture;
 }
 
 } // namespace PlayerProbe

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ModalScript.h"
+#include "support/ModalScript.h"
 
 #include <QApplication>
 #include <QDialog>
@@ -59,6 +59,16 @@ void ModalScript::Browse(std::function<void(QFileDialog*)> act)
     mBrowses.push_back(std::move(act));
 }
 
+void ModalScript::Drive(std::function<void(QDialog*)> act)
+{
+    mDrives.push_back(std::move(act));
+}
+
+void ModalScript::Leave(QWidget* window)
+{
+    mLeft = window;
+}
+
 QStringList ModalScript::Take()
 {
     QStringList seen;
@@ -70,7 +80,7 @@ void ModalScript::Look()
 {
     auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
     // The dialog under test may be modal itself.
-    if (!dialog || dialog == mParent || !dialog->isVisible())
+    if (!dialog || dialog == mParent || dialog == mLeft || !dialog->isVisible())
         return;
     if (auto* const box = qobject_cast<QMessageBox*>(dialog); box && !mAnswers.empty())
     {
@@ -92,6 +102,14 @@ void ModalScript::Look()
         act(browser);
         return;
     }
+    if (!qobject_cast<QMessageBox*>(dialog) && !qobject_cast<QFileDialog*>(dialog) && !mDrives.empty())
+    {
+        const std::function<void(QDialog*)> act = mDrives.front();
+        mDrives.erase(mDrives.begin());
+        mSeen << QStringLiteral("dialog|") + dialog->windowTitle();
+        act(dialog);
+        return;
+    }
     mSeen << QStringLiteral("unexpected|") + dialog->windowTitle();
     dialog->reject();
 }
@@ -101,5 +119,5 @@ QString ModalScript::Describe(const QMessageBox* box) const
     const QString text =
         QStringLiteral("%1|%2|%3|%4")
             .arg(KindOf(box->icon()), box->windowTitle(), box->text(), NamesOf(box->standardButtons()));
-    return box->parentWidget() == mParent ? text : text + QStringLiteral("|of another parent");
+    return !mParent || box->parentWidget() == mParent ? text : text + QStringLiteral("|of another parent");
 }
