@@ -8,6 +8,14 @@ extern "C"
 
 #include <utility>
 
+namespace
+{
+
+/// Up to this number the usual layout is a fair guess where nobody says what the channels are.
+constexpr int MostUsualChannels = 8;
+
+} // namespace
+
 StereoMixer::~StereoMixer()
 {
     av_channel_layout_uninit(&mLayout);
@@ -23,14 +31,16 @@ bool StereoMixer::Prepare(const AVFrame& frame)
     AVChannelLayout stereo = AV_CHANNEL_LAYOUT_STEREO;
     AVChannelLayout layout = {};
     const int channels = given.nb_channels;
-    if (given.order == AV_CHANNEL_ORDER_UNSPEC || av_channel_layout_check(&given) == 0)
+    const bool isNamed = given.order != AV_CHANNEL_ORDER_UNSPEC && av_channel_layout_check(&given) != 0;
+    const bool takesFirstTwo = channels == 1 || (!isNamed && channels > MostUsualChannels);
+    if (!isNamed)
         av_channel_layout_default(&layout, channels);
     else
         av_channel_layout_copy(&layout, &given);
     std::vector<double> firstTwo(2 * static_cast<size_t>(channels), 0.0);
     firstTwo[0] = 1.0;
     firstTwo[static_cast<size_t>(channels) + (channels > 1 ? 1 : 0)] = 1.0;
-    for (const bool isPlain : {channels == 1, true})
+    for (const bool isPlain : {takesFirstTwo, true})
     {
         SwrContext* context = nullptr;
         const int result =

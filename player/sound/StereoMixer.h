@@ -8,7 +8,8 @@
 /// Turns decoded blocks of any format and channel layout into stereo, at their own rate.
 ///
 /// One channel becomes both sides at its full level; the centre and what is behind are added at 0.707. Where
-/// nobody says what the channels are, the first two are left and right.
+/// nobody says what the channels are, up to eight have their usual places; of more, and where the library
+/// can't mix them, the first two are left and right.
 class StereoMixer
 {
 public:
