@@ -599,8 +599,7 @@ void PlaybackController::StartClock()
     mStart = PlaybackPosition{mCurrentFrame, mPosition.direction, false};
     mStartLoopType = Settings::loopType;
     mLastStep = 0;
-    mClock->Start(
-        PlaybackStart{LeadingTimeline()->Rate(), mStart, mRange, mStartLoopType, mSpeed, mStepped});
+    mClock->Start(PlaybackStart{LeadingTimeline()->Rate(), mStart, mRange, mStartLoopType, mSpeed, mStepped});
     ScheduleTick();
 }
 
