@@ -6,6 +6,7 @@
 #include "window/EarlyLog.h"
 #include "window/PlayThrough.h"
 #include "window/PlayerWindow.h"
+#include "window/ProjectBinding.h"
 #include "window/ScriptBinding.h"
 #include "window/StandardLog.h"
 #include "window/ViewerBackEndChoice.h"
@@ -113,7 +114,7 @@ int main(int argc, char** argv)
 {
     KeepPictureMemory();
     StandardLog log;
-    auto earlyLog = std::make_unique<EarlyLog>();
+    EarlyLog earlyLog;
     PrepareApplication();
     AllowNoDisplay(argc, argv);
     QApplication application(argc, argv);
@@ -142,9 +143,10 @@ int main(int argc, char** argv)
     const QCommandLineOption script = Option(
         "script", "Runs the Python script SCRIPT, with the FILEs as its arguments, and quits.", "SCRIPT");
     parser.addOptions({viewerB, layout, play, demo, screenshot, playThrough, size, openGL, software, script});
-    parser.addPositionalArgument(QStringLiteral("FILE"),
-                                 QCoreApplication::translate("main", "Movies or files of image sequences."),
-                                 QStringLiteral("[FILE…]"));
+    parser.addPositionalArgument(
+        QStringLiteral("FILE"),
+        QCoreApplication::translate("main", "Movies, files of image sequences, or a project."),
+        QStringLiteral("[FILE…]"));
     parser.process(application);
 
     ViewerType wanted = ViewerBackEndChoice::BySettings().type;
@@ -163,6 +165,7 @@ int main(int argc, char** argv)
     }
 
     std::unique_ptr<PlayerWindow> window = ShowPlayerWindow(choice);
+    earlyLog.Stop();
     window->Scripts()->OpenPort();
     if (parser.isSet(layout))
         window->SetLayout(LayoutNames.indexOf(parser.value(layout)));
@@ -170,6 +173,9 @@ int main(int argc, char** argv)
         window->DrawDemoWhenReady();
     if (parser.isSet(screenshot))
         TakeScreenshot(window.get(), parser.value(screenshot));
+    // A picture is taken of what is asked for alone, and nobody answers a script's questions.
+    if (!parser.isSet(screenshot) && !parser.isSet(script))
+        window->Projects()->OfferRecovery();
     if (parser.isSet(script))
         window->Scripts()->RunAndQuit(parser.value(script), parser.positionalArguments());
     else if (!parser.positionalArguments().isEmpty())

@@ -27,6 +27,14 @@ void MediaLanes::Adopt(const std::shared_ptr<const MediaSource>& source, int med
         mLanes.push_back(Lane{source, 0, media, false});
 }
 
+void MediaLanes::TakeOver(const std::shared_ptr<const MediaSource>& source, int media)
+{
+    if (source)
+        Adopt(source, media);
+    if (!source || Find(source, 0) != media)
+        mLoader->Close(media);
+}
+
 int MediaLanes::Use(const std::shared_ptr<const MediaSource>& source, int copy)
 {
     const auto found =
@@ -76,6 +84,13 @@ bool MediaLanes::SetFailed(int media)
         }
     }
     return false;
+}
+
+bool MediaLanes::HasFailed(const MediaSource& source) const
+{
+    return std::any_of(mLanes.begin(), mLanes.end(),
+                       [&](const Lane& lane)
+                       { return lane.hasFailed && lane.source.lock().get() == &source; });
 }
 
 bool MediaLanes::HasFailed(int media) const

@@ -30,6 +30,8 @@ public:
     /// Tells that the loader has @p source open as medium @p media, which is its first copy from now on.
     /// Ignored if it has one, or if the medium is closed again.
     void Adopt(const std::shared_ptr<const MediaSource>& source, int media);
+    /// The same for a medium that is closed where it isn't adopted; @p source may be null.
+    void TakeOver(const std::shared_ptr<const MediaSource>& source, int media);
     /// The loader's number for copy @p copy of @p source, which is opened if it isn't.
     int Use(const std::shared_ptr<const MediaSource>& source, int copy);
     /// The same without opening; -1 if it is not open.
@@ -40,6 +42,8 @@ public:
     /// nobody tries again.
     bool SetFailed(int media);
     bool HasFailed(int media) const;
+    /// Whether a copy of @p source couldn't be opened.
+    bool HasFailed(const MediaSource& source) const;
     /// Closes every copy of sources with the identity of @p source, since its file is read anew.
     void Forget(const MediaSource& source);
     /// Tells which media are shown now; of the others the @c IdleLimit used last stay open.

@@ -391,6 +391,11 @@ void PlaybackController::SetScrubbing(bool scrubbing)
     }
 }
 
+void PlaybackController::SetRangeKeeper(RangeKeeper keeper)
+{
+    mRangeKeeper = std::move(keeper);
+}
+
 void PlaybackController::SetRange(int64_t startTime, int64_t endTime)
 {
     const auto& lead = LeadingTimeline();
@@ -398,7 +403,10 @@ void PlaybackController::SetRange(int64_t startTime, int64_t endTime)
         return;
     const int first = lead->TimeToFrame(startTime);
     mRange = PlaybackRange{first, std::max(first, lead->TimeToFrame(endTime))};
-    lead->SetRange(mRange);
+    if (mRangeKeeper)
+        mRangeKeeper(*lead, mRange);
+    else
+        lead->SetRange(mRange);
     if (mPlaying)
         StartClock();
     Q_EMIT RangeChanged(lead->FrameToTime(mRange.first), lead->FrameToTime(mRange.last));
@@ -431,7 +439,7 @@ void PlaybackController::MovePlayhead(int frame, int direction)
     for (Viewer& viewer : mViewers)
     {
         if (viewer.timeline)
-            viewer.wanted = viewer.timeline->TimeToFrame(time);
+            viewer.wanted = viewer.timeline->FrameCount() > 0 ? viewer.timeline->TimeToFrame(time) : 0;
     }
     RequestFrames(direction);
     Q_EMIT PlayheadMoved(CurrentTime());

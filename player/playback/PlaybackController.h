@@ -11,6 +11,7 @@
 #include <QTimer>
 
 #include <array>
+#include <functional>
 #include <map>
 #include <memory>
 #include <set>
@@ -41,6 +42,10 @@ public:
     const std::shared_ptr<ProjectTimeline>& TimelineOf(int viewer) const;
     /// The timeline that leads; null if no viewer has one.
     const std::shared_ptr<ProjectTimeline>& LeadingTimeline() const;
+    /// Keeps the range of a timeline for others than playback.
+    using RangeKeeper = std::function<void(ProjectTimeline& timeline, const PlaybackRange& range)>;
+    /// Has @p keeper set the ranges of timelines that SetRange() changes; without one it sets them itself.
+    void SetRangeKeeper(RangeKeeper keeper);
     /// Goes on with what @p timeline shows now, after its elements, a source or its range have changed. A
     /// timeline in no viewer is ignored.
     void RefreshTimeline(const ProjectTimeline* timeline);
@@ -59,7 +64,7 @@ public:
     int CurrentFrame() const;
     /// Time (microseconds) of the leading timeline under the playhead: the start of its frame.
     int64_t CurrentTime() const;
-    /// Frame that viewer @p viewer is to show; 0 if it has no timeline.
+    /// Frame that viewer @p viewer is to show; 0 if it has no timeline or an empty one.
     int WantedFrame(int viewer) const;
     /// Frame whose picture viewer @p viewer shows; 0 if it shows none.
     int ShownFrame(int viewer) const;
@@ -166,6 +171,7 @@ private:
     void ReportState();
 
     FrameLoader* mLoader;
+    RangeKeeper mRangeKeeper;
     MediaLanes mLanes;
     std::set<int> mMediaInUse;
     std::array<Viewer, ViewerCount> mViewers;

@@ -27,10 +27,10 @@ MediumReads::MediumReads(FrameLoader* loader, QImage::Format pictureFormat, QObj
     connect(loader, SIGNAL(OpenFailed(int, const QString&)), this, SLOT(OnOpenFailed(int, const QString&)));
 }
 
-int MediumReads::Read(const QString& path, double sequenceRate, Done done)
+int MediumReads::Read(const QString& path, double sequenceRate, Done done, bool keepOpen)
 {
     const int number = mNextNumber++;
-    mPending[number] = Pending{path, sequenceRate, std::move(done), false};
+    mPending[number] = Pending{path, sequenceRate, std::move(done), keepOpen, false};
     StartLater();
     return number;
 }
@@ -50,6 +50,12 @@ void MediumReads::CancelAll()
 {
     while (!mPending.empty())
         Cancel(mPending.begin()->first);
+}
+
+void MediumReads::Close(int number)
+{
+    if (mLoader)
+        mLoader->Close(number);
 }
 
 bool MediumReads::IsReading() const
@@ -87,10 +93,12 @@ void MediumReads::StartNext()
 
 void MediumReads::OnMediaOpened(int media, const MediaInfo& info)
 {
-    if (mPending.count(media) == 0)
+    const auto found = mPending.find(media);
+    if (found == mPending.end())
         return;
     const MediaInfo kept = info;
-    mLoader->Close(media);
+    if (!found->second.keepOpen)
+        mLoader->Close(media);
     Finish(media, &kept, QString());
 }
 

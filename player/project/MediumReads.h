@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "media/MediaInfo.h"
+#include "media/FrameLoader.h"
 
 #include <QImage>
 #include <QObject>
+#include <QPointer>
 #include <QString>
 
 #include <functional>
 #include <map>
-
-class FrameLoader;
 
 /// Finds out what media are, a few at a time, on the threads of a frame loader, and closes them again.
 class MediumReads : public QObject
@@ -25,11 +24,14 @@ public:
     MediumReads(FrameLoader* loader, QImage::Format pictureFormat, QObject* parent);
 
     /// Reads the medium at @p path, pictures of a sequence counted at @p sequenceRate a second. Returns a
-    /// number for Cancel(). @p done is called later, never from within.
-    int Read(const QString& path, double sequenceRate, Done done);
+    /// number for Cancel(). @p done is called later, never from within. With @p keepOpen the medium stays
+    /// open in the loader under that number, and is the caller's from then on.
+    int Read(const QString& path, double sequenceRate, Done done, bool keepOpen = false);
     /// Ends a read; it is not called done.
     void Cancel(int number);
     void CancelAll();
+    /// Closes a medium that was kept open.
+    void Close(int number);
     bool IsReading() const;
 
 private Q_SLOTS:
@@ -43,13 +45,14 @@ private:
         QString path;
         double sequenceRate = 0.0;
         Done done;
+        bool keepOpen = false;
         bool started = false;
     };
 
     void Finish(int number, const MediaInfo* info, const QString& error);
     void StartLater();
 
-    FrameLoader* mLoader;
+    QPointer<FrameLoader> mLoader;
     QImage::Format mPictureFormat;
     /// In the order of asking.
     std::map<int, Pending> mPending;

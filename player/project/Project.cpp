@@ -38,6 +38,19 @@ bool SameDrawings(const TimelineState& a, const TimelineState& b)
                       { return x.first == y.first && x.second.isSharedWith(y.second); });
 }
 
+void TurnViewsOff(const ProjectContent& content)
+{
+    for (const std::shared_ptr<ProjectObject>& object : content.objects)
+    {
+        const auto timeline = std::dynamic_pointer_cast<ProjectTimeline>(object);
+        if (!timeline)
+            continue;
+        PanZoom view = timeline->View();
+        view.enabled = false;
+        timeline->SetView(view);
+    }
+}
+
 void AppendTimelines(ProjectObject& folder, bool ofSources,
                      QList<std::shared_ptr<ProjectTimeline>>& timelines)
 {
@@ -86,6 +99,8 @@ bool Project::Open(const QString& path, QString* error)
     std::optional<ProjectContent> content = ProjectFile::Read(absolute, error);
     if (!content)
         return false;
+    if (Settings::disablePanZoomOnProjectLoad)
+        TurnViewsOff(*content);
     TakeOver(std::move(*content), absolute);
     return true;
 }
@@ -274,6 +289,8 @@ bool Project::Push(const Step& step, const Changes& changes)
 {
     if (changes.isEmpty())
         return false;
+    // Not while the step is done: what is in progress may end in a step of its own.
+    Q_EMIT AboutToChange();
     mUndoStack.push(new ProjectCommand(this, step.text, changes, step.mergeKey, step.forViewing));
     return true;
 }
@@ -281,7 +298,6 @@ bool Project::Push(const Step& step, const Changes& changes)
 void Project::Apply(const Changes& changes)
 {
     using Kind = ProjectChange::Kind;
-    Q_EMIT AboutToChange();
     // States name all of a timeline, so they come when its media are what they will be; those of elements lie
     // on the ranges of sources.
     for (const ProjectChange& change : changes)
@@ -340,6 +356,7 @@ void Project::ApplyOne(const ProjectChange& change)
         break;
     case ProjectChange::Kind::State:
     case ProjectChange::Kind::Drawings:
+    case ProjectChange::Kind::Bookmarks:
         break;
     }
     Q_EMIT ChangeApplied(change);
@@ -453,6 +470,21 @@ void Project::NoteDrawings(AnnotationStore* annotations, int frame)
     change.drawings = annotations->Drawings(frame);
     Q_EMIT DrawingsChanged(change.id, frame);
     Q_EMIT BookmarksChanged(change.id);
+    Q_EMIT ChangeApplied(change);
+    Q_EMIT Changed();
+}
+
+void Project::NoteBookmarks(const QUuid& timelineID)
+{
+    const std::shared_ptr<ProjectTimeline> timeline = FindTimeline(timelineID);
+    if (!timeline)
+        return;
+    ProjectChange change;
+    change.kind = ProjectChange::Kind::Bookmarks;
+    change.id = timelineID;
+    change.object = timeline;
+    change.state.after = std::make_shared<const TimelineState>(TimelineState::Of(*timeline));
+    Q_EMIT BookmarksChanged(timelineID);
     Q_EMIT ChangeApplied(change);
     Q_EMIT Changed();
 }

@@ -56,8 +56,9 @@ public:
     /// Drops everything and begins an untitled project: the three bins, and a default timeline unless
     /// Settings::emptyProject is on.
     void New();
-    /// Opens the project file at @p path. On failure the open project stays as it is, and @p error says what
-    /// is wrong where.
+    /// Opens the project file at @p path; with Settings::disablePanZoomOnProjectLoad no timeline is panned
+    /// and zoomed after that. On failure the open project stays as it is, and @p error says what is wrong
+    /// where.
     bool Open(const QString& path, QString* error);
     /// Writes the project to @p path, atomically, and makes that its file. On failure @p error says why.
     bool Save(const QString& path, QString* error);
@@ -196,6 +197,8 @@ public:
 public Q_SLOTS:
     /// Tells that a step that isn't the project's own has changed the drawings of @p frame.
     void NoteDrawings(AnnotationStore* annotations, int frame);
+    /// Tells that a step that isn't the project's own has changed the timeline's bookmarks.
+    void NoteBookmarks(const QUuid& timelineID);
     /// Tells that the timeline @p id shows in viewer @p viewer, or in none (-1): ObjectChanged() follows.
     void NoteViewer(const QUuid& id, int viewer);
     /// Tells that the medium of the source @p id was found to be @p info; what hangs on it follows. No step
@@ -227,7 +230,8 @@ Q_SIGNALS:
     /// The source timeline @p id has another medium, or its medium was read anew.
     void SourceChanged(const QUuid& id);
     void SettingsChanged();
-    /// A step is about to be done, undone or redone: the time to end what is in progress, such as a stroke.
+    /// A step is about to be made, or another content taken over: the time to end what is in progress, such
+    /// as a stroke. Undo and redo don't tell it; who calls them ends it before.
     void AboutToChange();
     /// A step, with all that it changed, is done: the time to rebuild a view.
     void Changed();

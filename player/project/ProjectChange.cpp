@@ -72,6 +72,7 @@ ProjectChange ProjectChange::Inverted() const
         std::swap(inverted.settings.before, inverted.settings.after);
         break;
     case Kind::Drawings:
+    case Kind::Bookmarks:
         break;
     }
     return inverted;
@@ -105,6 +106,7 @@ void ProjectChange::ApplyTo(ProjectContent& content) const
             Rename(*renamed, name.after);
         break;
     case Kind::State:
+    case Kind::Bookmarks:
         SetState(content, *this);
         break;
     case Kind::Drawings:

@@ -26,6 +26,9 @@ struct ProjectChange
         State,
         /// The drawings of one frame, changed by a step that isn't the project's; can't be turned round.
         Drawings,
+        /// The marks and range bookmarks in @c state, changed by a step that isn't the project's; can't be
+        /// turned round.
+        Bookmarks,
         /// The medium of a source timeline.
         Medium,
         /// The default timeline.

@@ -141,21 +141,39 @@ QJsonArray WriteElements(const ElementTimeline::Elements& elements, const ExtraP
     return list;
 }
 
+QString OffstageName(const QUuid& element, int frame)
+{
+    return QStringLiteral("offstage %1 %2").arg(element.toString()).arg(frame);
+}
+
 QJsonArray WriteOffstage(const ElementTimeline::Offstage& offstage, const ExtraParts& extras)
 {
     QJsonArray list;
     for (const auto& [place, drawings] : offstage)
-        list.append(QJsonObject{{L1("element"), place.first.toString()},
-                                {L1("frame"), place.second},
-                                {L1("drawings"), DrawingJson::WriteList(drawings, extras)}});
+    {
+        QJsonObject json{{L1("element"), place.first.toString()},
+                         {L1("frame"), place.second},
+                         {L1("drawings"), DrawingJson::WriteList(drawings, extras)}};
+        InsertAll(json, extras.inner.value(OffstageName(place.first, place.second)));
+        list.append(json);
+    }
     return list;
 }
 
-QJsonObject WriteView(const PanZoom& view)
+QJsonObject WriteRange(const PlaybackRange& range, const ExtraParts& extras)
 {
-    return {{L1("pan"), QJsonArray{view.pan.x(), view.pan.y()}},
-            {L1("zoom"), static_cast<double>(view.zoom)},
-            {L1("enabled"), view.enabled}};
+    QJsonObject json{{L1("first"), range.first}, {L1("last"), range.last}};
+    InsertAll(json, extras.inner.value(QStringLiteral("range")));
+    return json;
+}
+
+QJsonObject WriteView(const PanZoom& view, const ExtraParts& extras)
+{
+    QJsonObject json{{L1("pan"), QJsonArray{view.pan.x(), view.pan.y()}},
+                     {L1("zoom"), static_cast<double>(view.zoom)},
+                     {L1("enabled"), view.enabled}};
+    InsertAll(json, extras.inner.value(QStringLiteral("view")));
+    return json;
 }
 
 PanZoom ReadView(const JsonPart& part)
@@ -170,6 +188,16 @@ PanZoom ReadView(const JsonPart& part)
         part.Member("zoom").Fail(CodecText("a number above 0 belongs here"));
     view.enabled = part.Member("enabled").Flag();
     return view;
+}
+
+QJsonArray WriteMarks(const QSet<int>& marks)
+{
+    QList<int> frames = marks.values();
+    std::sort(frames.begin(), frames.end());
+    QJsonArray list;
+    for (const int frame : frames)
+        list.append(frame);
+    return list;
 }
 
 QJsonArray WriteRangeBookmarks(const QList<FrameRangeBookmark>& bookmarks, const ExtraParts& extras)
@@ -313,21 +341,11 @@ QJsonObject WriteState(const TimelineState& state, const TimelineState* before, 
     const TimelineState initial;
     const TimelineState& old = before ? *before : initial;
     if (state.range != old.range)
-        json[L1("range")] =
-            state.range
-                ? QJsonValue(QJsonObject{{L1("first"), state.range->first}, {L1("last"), state.range->last}})
-                : QJsonValue();
+        json[L1("range")] = state.range ? QJsonValue(WriteRange(*state.range, extras)) : QJsonValue();
     if (state.view != old.view)
-        json[L1("view")] = WriteView(state.view);
+        json[L1("view")] = WriteView(state.view, extras);
     if (state.marks != old.marks)
-    {
-        QList<int> frames = state.marks.values();
-        std::sort(frames.begin(), frames.end());
-        QJsonArray marks;
-        for (const int frame : frames)
-            marks.append(frame);
-        json[L1("marks")] = marks;
-    }
+        json[L1("marks")] = WriteMarks(state.marks);
     if (!(state.rangeBookmarks == old.rangeBookmarks))
         json[L1("rangeBookmarks")] = WriteRangeBookmarks(state.rangeBookmarks, extras);
     const QJsonArray drawings = WriteDrawings(state, before, extras);
@@ -347,16 +365,31 @@ QJsonObject WriteState(const TimelineState& state, const TimelineState* before, 
     return json;
 }
 
+QJsonObject WriteBookmarks(const TimelineState& state, const ExtraParts& extras)
+{
+    return {{L1("marks"), WriteMarks(state.marks)},
+            {L1("rangeBookmarks"), WriteRangeBookmarks(state.rangeBookmarks, extras)}};
+}
+
 void ReadState(const JsonPart& part, TimelineState& state, ExtraParts& extras, const SourceFinder& findSource)
 {
     if (part.Has("range"))
     {
         state.range.reset();
         if (!part.Object().value(L1("range")).isNull())
+        {
             state.range = ReadRange(part.Member("range"));
+            Keep(extras, QStringLiteral("range"),
+                 part.Member("range").Rest({QStringLiteral("first"), QStringLiteral("last")}));
+        }
     }
     if (part.Has("view"))
+    {
         state.view = ReadView(part.Member("view"));
+        Keep(extras, QStringLiteral("view"),
+             part.Member("view").Rest(
+                 {QStringLiteral("pan"), QStringLiteral("zoom"), QStringLiteral("enabled")}));
+    }
     if (part.Has("marks"))
     {
         state.marks.clear();
@@ -390,8 +423,13 @@ void ReadState(const JsonPart& part, TimelineState& state, ExtraParts& extras, c
     {
         state.offstage.clear();
         for (const JsonPart& item : part.ItemsOf("offstage"))
-            state.offstage[{item.Member("element").Id(), item.Member("frame").Integer(1, MaximumFrame)}] =
-                DrawingJson::ReadList(item.Member("drawings"), extras);
+        {
+            const QUuid element = item.Member("element").Id();
+            const int frame = item.Member("frame").Integer(1, MaximumFrame);
+            state.offstage[{element, frame}] = DrawingJson::ReadList(item.Member("drawings"), extras);
+            Keep(extras, OffstageName(element, frame),
+                 item.Rest({QStringLiteral("element"), QStringLiteral("frame"), QStringLiteral("drawings")}));
+        }
     }
     if (part.Has("rate"))
     {

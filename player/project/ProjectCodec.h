@@ -21,6 +21,8 @@ QJsonObject WriteObject(ProjectObject& object, const ExtraParts& extras, const Q
                         bool removed = false);
 /// What of @p state differs from @p before, all that isn't at its default if @p before is null.
 QJsonObject WriteState(const TimelineState& state, const TimelineState* before, const ExtraParts& extras);
+/// The marks and range bookmarks of @p state, also where there are none.
+QJsonObject WriteBookmarks(const TimelineState& state, const ExtraParts& extras);
 QJsonObject WriteMedium(const MediaSource& source, const ExtraParts& extras, const QString& sourceRoot);
 QJsonObject WriteSettings(const ProjectSettings& settings);
 

@@ -2,7 +2,9 @@
 #include "project/ProjectContent.h"
 
 #include "project/ElementTimeline.h"
+#include "project/MediaSource.h"
 #include "project/MediaTimeline.h"
+#include "project/TimelineState.h"
 
 #include <QCoreApplication>
 #include <QSet>
@@ -106,4 +108,25 @@ QList<std::shared_ptr<MediaTimeline>> ProjectContent::RemovedSources() const
     QList<std::shared_ptr<MediaTimeline>> sources;
     CollectRemovedSources(*this, *root, seen, sources);
     return sources;
+}
+
+void ProjectContent::MarkRemovedSources()
+{
+    QSet<const ProjectTimeline*> marked;
+    for (const std::shared_ptr<MediaTimeline>& source : RemovedSources())
+    {
+        if (source->IsMissing())
+            continue;
+        const auto known = source->GetMediaSource();
+        source->SetMediaSource(std::make_shared<const MediaSource>(known->GetID(), known->Info(), true));
+        marked.insert(source.get());
+    }
+    if (marked.isEmpty())
+        return;
+    for (const std::shared_ptr<ProjectObject>& object : objects)
+    {
+        // The layout holds the media.
+        if (const auto timeline = std::dynamic_pointer_cast<ElementTimeline>(object))
+            TimelineState::Of(*timeline).ApplyTo(*timeline);
+    }
 }

@@ -48,4 +48,6 @@ struct ProjectContent
     void Unregister(const std::shared_ptr<ProjectObject>& object);
     /// The source timelines that elements play without being in the tree, in the order of the tree.
     QList<std::shared_ptr<MediaTimeline>> RemovedSources() const;
+    /// Makes those missing, whether their files are there or not.
+    void MarkRemovedSources();
 };

@@ -146,7 +146,7 @@ bool Project::SetPanZoom(const QUuid& timelineID, const QPointF& pan, float zoom
 {
     if (!std::isfinite(pan.x()) || !std::isfinite(pan.y()) || !std::isfinite(zoom))
         return false;
-    return ChangeState(timelineID, {tr("Pan and Zoom"), KeyOf("view", timelineID), false},
+    return ChangeState(timelineID, {tr("Pan and Zoom"), KeyOf("view", timelineID), true},
                        [&](ProjectTimeline& timeline)
                        {
                            const PanZoom view{pan, zoom, enabled};

@@ -50,6 +50,17 @@ public:
     {
     }
 
+    ~ContentReader()
+    {
+        // Folders that hold each other would never go.
+        for (const Entry& entry : mEntries)
+        {
+            const auto folder = std::dynamic_pointer_cast<FolderObject>(entry.object);
+            while (!mIsDone && folder && !folder->ChildList().isEmpty())
+                folder->Take(folder->ChildList().last()->GetID(), folder->ChildList().size() - 1);
+        }
+    }
+
     ProjectContent Read()
     {
         ReadSettings();
@@ -69,6 +80,8 @@ public:
         AddBins();
         ReadDefault();
         KeepExtras();
+        mContent.MarkRemovedSources();
+        mIsDone = true;
         return std::move(mContent);
     }
 
@@ -260,6 +273,7 @@ private:
     QHash<QUuid, QString> mIds;
     QSet<int> mBins;
     QHash<QUuid, ExtraParts> mExtras;
+    bool mIsDone = false;
 };
 
 /// The line and column of byte @p offset, both from 1.
@@ -316,10 +330,20 @@ std::optional<ProjectContent> FromText(const QByteArray& text, const QString& pr
                      QStringLiteral("%1: %2").arg(LineOf(text, problem.offset), problem.errorString()));
         return std::nullopt;
     }
+    if (!document.isObject())
+    {
+        SetFileError(error, FileText("the document: an object belongs here"));
+        return std::nullopt;
+    }
+    return FromJson(document.object(), projectFolder, error);
+}
+
+std::optional<ProjectContent> FromJson(const QJsonObject& document, const QString& projectFolder,
+                                       QString* error)
+{
     try
     {
-        const JsonPart part(
-            document.isObject() ? QJsonValue(document.object()) : QJsonValue(document.array()), QString());
+        const JsonPart part(document, QString());
         if (part.Member("format").Text() != FormatName)
             part.Member("format").Fail(FileText("this is no project of the player"));
         const int version = part.Member("version").Integer(1, INT_MAX);

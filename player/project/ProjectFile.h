@@ -24,6 +24,9 @@ QJsonObject ToJson(const ProjectContent& content, const QString& projectFolder);
 /// The content that @p text holds, the text of a project file that lies in @p projectFolder. None if it isn't
 /// a sound project; @p error then says what is wrong and at which place of the text.
 std::optional<ProjectContent> FromText(const QByteArray& text, const QString& projectFolder, QString* error);
+/// The same of a document that is parsed already.
+std::optional<ProjectContent> FromJson(const QJsonObject& document, const QString& projectFolder,
+                                       QString* error);
 
 /// Reads the file at @p path. The error begins with the path.
 std::optional<ProjectContent> Read(const QString& path, QString* error);

@@ -22,10 +22,16 @@ public:
         QList<QUuid> elements;
         /// One text for each file that can't be read; names the file and the reason.
         QStringList errors;
+        /// The first source's medium, which the loader still has open under this number, after an import for
+        /// viewing; -1 for none. Who hears Finished() closes it or hands it on.
+        int openMedium = -1;
         bool cancelled = false;
     };
 
     using QObject::QObject;
+
+    /// Whether Finished() is still to come.
+    virtual bool IsRunning() const = 0;
 
 public Q_SLOTS:
     /// Ends the import; nothing of it stays in the project. Finished() follows.

@@ -11,6 +11,8 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace
 {
 
@@ -57,7 +59,10 @@ ProjectImport* Project::Import(const QList<QString>& paths, const QUuid& parentI
 
 bool Project::IsReading() const
 {
-    return mReads->IsReading() || !findChildren<ProjectImport*>().isEmpty();
+    const QList<ProjectImport*> imports = findChildren<ProjectImport*>();
+    return mReads->IsReading() ||
+           std::any_of(imports.begin(), imports.end(),
+                       [](const ProjectImport* import) { return import->IsRunning(); });
 }
 
 void Project::FinishImport(RunningImport& running)

@@ -195,6 +195,9 @@ bool Project::AppendMoves(Changes& changes, const QList<QUuid>& ids, const QUuid
         }
         const int place = childrenOf(*from).indexOf(id);
         childrenOf(*from).removeAt(place);
+        // What follows the first goes behind it, also where it leaves a place before it.
+        if (from == to && !moved.isEmpty() && place < target)
+            --target;
         QList<QUuid>& siblings = childrenOf(*to);
         if (target < 0 || target > siblings.size())
             target = siblings.size();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "project/RunningImport.h"
 
+#include "project/MediaTimeline.h"
 #include "project/MediumReads.h"
 #include "project/Project.h"
 
@@ -58,6 +59,15 @@ RunningImport::~RunningImport()
     mThread.join();
     for (const int read : mReads)
         mProject->mReads->Cancel(read);
+    if (!mTold)
+        CloseMedium();
+}
+
+void RunningImport::CloseMedium()
+{
+    if (mResult.openMedium >= 0)
+        mProject->mReads->Close(mResult.openMedium);
+    mResult.openMedium = -1;
 }
 
 void RunningImport::Cancel()
@@ -96,14 +106,19 @@ void RunningImport::StartReading()
             OnRead(index, &info, QString());
             continue;
         }
-        auto* const reads = mProject->mReads;
+        // The first of an import for viewing is shown next, and isn't opened twice for that.
+        const bool keepOpen = mForViewing && index == 0;
         const auto number = std::make_shared<int>(0);
-        *number = reads->Read(mItems[index].found.path, rate,
-                              [this, index, number](const MediaInfo* info, const QString& error)
-                              {
-                                  mReads.remove(*number);
-                                  OnRead(index, info, error);
-                              });
+        *number = mProject->mReads->Read(
+            mItems[index].found.path, rate,
+            [this, index, number, keepOpen](const MediaInfo* info, const QString& error)
+            {
+                mReads.remove(*number);
+                if (info && keepOpen)
+                    mResult.openMedium = *number;
+                OnRead(index, info, error);
+            },
+            keepOpen);
         mReads.insert(*number);
     }
 }
@@ -129,12 +144,15 @@ void RunningImport::Finish()
     for (const int read : mReads)
         mProject->mReads->Cancel(read);
     mReads.clear();
-    if (!mResult.cancelled)
+    if (mResult.cancelled)
+        CloseMedium();
+    else
         mProject->FinishImport(*this);
     // Later, so that who has asked for the import hears of one that ends at once.
     QTimer::singleShot(0, this,
                        [this]
                        {
+                           mTold = true;
                            Q_EMIT Finished(mResult);
                            deleteLater();
                        });

@@ -42,6 +42,7 @@ public:
     bool IsForViewing() const { return mForViewing; }
     Result& GetResult() { return mResult; }
 
+    bool IsRunning() const override { return !mTold; }
     void Cancel() override;
 
 private:
@@ -56,6 +57,7 @@ private:
     void StartReading();
     void OnRead(size_t index, const MediaInfo* info, const QString& error);
     void Finish();
+    void CloseMedium();
 
     Project* mProject;
     QUuid mParentID;
@@ -67,5 +69,6 @@ private:
     QSet<int> mReads;
     int mDone = 0;
     bool mFinished = false;
+    bool mTold = false;
     Result mResult;
 };

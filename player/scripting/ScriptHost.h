@@ -14,6 +14,7 @@
 
 class CommandTable;
 class PlaybackController;
+class Project;
 class ProjectTimeline;
 class QWidget;
 class ViewerWidget;
@@ -51,8 +52,8 @@ public:
         QString error;
     };
 
-    /// Every timeline of the player, in its order.
-    virtual QList<std::shared_ptr<ProjectTimeline>> Timelines() = 0;
+    /// What the player works on; never null.
+    virtual Project* GetProject() = 0;
     /// Opens the medium at @p path, and shows it in viewer @p viewer (-1 for none). What is returned is
     /// filled in on the GUI thread.
     virtual std::shared_ptr<const Opening> Open(const QString& path, int viewer) = 0;

@@ -37,7 +37,14 @@ EarlyLog::~EarlyLog()
 void EarlyLog::Hear(Kind kind, const QString& text)
 {
     const QMutexLocker lock(&mMutex);
-    mMessages << Message{kind, text};
+    if (!mIsStopped)
+        mMessages << Message{kind, text};
+}
+
+void EarlyLog::Stop()
+{
+    const QMutexLocker lock(&mMutex);
+    mIsStopped = true;
 }
 
 QVector<EarlyLog::Message> EarlyLog::Messages()

@@ -10,6 +10,7 @@
 #include "window/ConsoleBinding.h"
 #include "window/OutputBinding.h"
 #include "window/PanelCommands.h"
+#include "window/ProjectBinding.h"
 #include "window/ScriptCommands.h"
 #include "window/SettingsBinding.h"
 
@@ -57,6 +58,7 @@ void PlayerWindow::AddFileCommands(std::vector<Command>& commands)
                         Keys({Qt::CTRL + Qt::SHIFT + Qt::Key_O}),
                         [this] { OpenFromDialog(1); },
                         {}});
+    mProjects->AddCommands(commands);
     mOutput->AddCommands(commands);
     AddSettingsCommands(commands, mSettings);
     commands.push_back(
@@ -65,13 +67,13 @@ void PlayerWindow::AddFileCommands(std::vector<Command>& commands)
                         tr("&Next Medium"),
                         "media",
                         Keys({Qt::Key_PageDown}),
-                        [this] { ShowNeighbourEntry(1); },
+                        [this] { ShowNeighbourSource(1); },
                         {}});
     commands.push_back({"media.previous",
                         tr("&Previous Medium"),
                         "media",
                         Keys({Qt::Key_PageUp}),
-                        [this] { ShowNeighbourEntry(-1); },
+                        [this] { ShowNeighbourSource(-1); },
                         {}});
 }
 

@@ -5,30 +5,35 @@
 #include "annotation/AnnotationController.h"
 #include "annotation/AnnotationStore.h"
 #include "host/Logger.h"
+#include "host/Source.h"
 #include "playback/PlaybackController.h"
-#include "project/MediaLibrary.h"
 #include "project/MediaTimeline.h"
+#include "project/Project.h"
 #include "viewers/ViewerWidget.h"
 #include "window/CommandTable.h"
 #include "window/DemoDrawing.h"
 #include "window/MessageBar.h"
+#include "window/ProjectBinding.h"
 #include "window/RecentFiles.h"
 #include "window/SettingsBinding.h"
+#include "window/TimelineBinding.h"
 #include "window/ViewerBackEndChoice.h"
 
 #include <QAction>
 #include <QFileDialog>
 #include <QMenu>
 
-#include <algorithm>
-
 void PlayerWindow::OpenFiles(const QStringList& paths, int viewer)
 {
+    QStringList media;
     for (const QString& path : paths)
     {
-        mMedia->Open(path, viewer);
-        viewer = -1;
+        if (ProjectBinding::IsProjectFile(path))
+            mProjects->OpenProject(path);
+        else
+            media << path;
     }
+    mProjects->OpenMedia(media, viewer);
     UpdateStatus();
 }
 
@@ -56,11 +61,9 @@ void PlayerWindow::OnRecentFilePicked(const QString& path)
     OpenForUser({path}, mPlayback->ActiveViewer());
 }
 
-void PlayerWindow::OnMediaOpened(int index, int viewer)
+void PlayerWindow::OnMediumOpened(const std::shared_ptr<ProjectTimeline>& timeline)
 {
-    const MediaLibrary::Entry& entry = mMedia->Entries()[static_cast<size_t>(index)];
-    const MediaInfo& info = entry.timeline->Info();
-    mPlayback->Lanes().Adopt(entry.timeline->GetMediaSource(), entry.media);
+    const MediaInfo& info = std::static_pointer_cast<MediaTimeline>(timeline)->Info();
     Logger::GetInstance()->Info(tr("Opened %1: %2 x %3, %4 frames at %5 frames per second, %6")
                                     .arg(info.path)
                                     .arg(info.width)
@@ -73,62 +76,69 @@ void PlayerWindow::OnMediaOpened(int index, int viewer)
                                            .arg(info.path)
                                            .arg(info.missingFrames)
                                            .arg(info.frameCount));
-    UpdateMediaMenu();
     mRecentFiles->Add(info.path);
-    // A medium that is opened beside others goes to the first viewer only while nothing is there.
-    if (viewer < 0 && !mPlayback->TimelineOf(0) && !mMedia->IsOpening())
-        viewer = 0;
-    if (viewer >= 0)
+}
+
+void PlayerWindow::OnShowRequested(const std::shared_ptr<ProjectTimeline>& timeline, int viewer)
+{
+    ShowTimeline(timeline, viewer);
+    const auto source = std::dynamic_pointer_cast<MediaTimeline>(timeline);
+    if (source)
+        mSettings->FitWindow(QSize(source->Info().width, source->Info().height));
+    if (!source || viewer != 0 || !mDemoDrawing)
+        return;
+    mDemoDrawing = false;
+    DemoDrawing::AddTo(source.get());
+    PresentOverlays();
+    RefreshViewers();
+}
+
+void PlayerWindow::OnProjectUpdated()
+{
+    UpdateTitle();
+    UpdateStatus();
+    mTimelines->UpdateBookmarks();
+    PresentOverlays();
+    RefreshViewers();
+    const std::shared_ptr<ProjectTimeline>& lead = mPlayback->LeadingTimeline();
+    if (mPlayWhenReady && lead && lead->FrameCount() > 0 && !mProject->IsReading())
     {
-        ShowEntry(index, viewer);
-        mSettings->FitWindow(QSize(info.width, info.height));
+        mPlayWhenReady = false;
+        mPlayback->Play(1);
     }
     EmitIfSettled();
 }
 
-void PlayerWindow::OnMediaFailed(const QString& text)
+void PlayerWindow::OnSourceFailed(const QString& text)
 {
     Logger::GetInstance()->Error(text);
     UpdateStatus();
     EmitIfSettled();
 }
 
-void PlayerWindow::ShowEntry(int index, int viewer)
-{
-    const MediaLibrary::Entry& entry = mMedia->Entries()[static_cast<size_t>(index)];
-    mAnnotation->EndEdits();
-    if (const auto& old = mPlayback->TimelineOf(viewer); old && old != entry.timeline)
-        old->SetViewerIndex(-1);
-    entry.timeline->SetViewerIndex(viewer);
-    ShowPicture(mViewer, viewer, QImage());
-    if (viewer == 1 && mViewer->GetViewerLayout() == Single)
-        SetLayout(Horizontal);
-    mPlayback->SetTimeline(viewer, entry.timeline);
-    UpdateTitle();
-    UpdateMediaMenu();
-    UpdateStatus();
-    if (mDemoDrawing && viewer == 0)
-    {
-        mDemoDrawing = false;
-        DemoDrawing::AddTo(entry.timeline.get());
-        PresentOverlays();
-        RefreshViewers();
-    }
-    if (mPlayWhenReady && !mMedia->IsOpening())
-    {
-        mPlayWhenReady = false;
-        mPlayback->Play(1);
-    }
-}
-
 void PlayerWindow::ShowTimeline(const std::shared_ptr<ProjectTimeline>& timeline, int viewer)
 {
-    const std::vector<MediaLibrary::Entry>& entries = mMedia->Entries();
-    const auto found =
-        std::find_if(entries.begin(), entries.end(),
-                     [&](const MediaLibrary::Entry& entry) { return entry.timeline == timeline; });
-    if (found != entries.end())
-        ShowEntry(static_cast<int>(found - entries.begin()), viewer);
+    const std::shared_ptr<ProjectTimeline> old = mPlayback->TimelineOf(viewer);
+    if (!timeline && !old)
+        return;
+    mAnnotation->EndEdits();
+    ShowPicture(mViewer, viewer, QImage());
+    if (timeline && viewer == 1 && mViewer->GetViewerLayout() == Single)
+        SetLayout(Horizontal);
+    mPlayback->SetTimeline(viewer, timeline);
+    if (old && old != timeline)
+    {
+        old->SetViewerIndex(-1);
+        mProject->NoteViewer(old->GetID(), -1);
+    }
+    for (int index = 0; index < PlaybackController::ViewerCount; ++index)
+    {
+        if (const std::shared_ptr<ProjectTimeline>& shown = mPlayback->TimelineOf(index))
+            mProject->NoteViewer(shown->GetID(), index);
+    }
+    PresentOverlays();
+    UpdateTitle();
+    UpdateStatus();
 }
 
 void PlayerWindow::DrawDemoWhenReady()
@@ -141,40 +151,43 @@ void PlayerWindow::PlayWhenReady()
     mPlayWhenReady = true;
 }
 
-void PlayerWindow::ShowNeighbourEntry(int step)
+void PlayerWindow::ShowNeighbourSource(int step)
 {
-    const std::vector<MediaLibrary::Entry>& entries = mMedia->Entries();
-    const int viewer = mPlayback->ActiveViewer();
-    const auto shown = std::find_if(entries.begin(), entries.end(),
-                                    [&](const MediaLibrary::Entry& entry)
-                                    { return entry.timeline == mPlayback->TimelineOf(viewer); });
-    if (entries.empty())
+    const QList<std::shared_ptr<ProjectTimeline>> sources = mProject->Timelines(true);
+    if (sources.isEmpty())
         return;
-    const int count = static_cast<int>(entries.size());
-    const int current = shown == entries.end() ? 0 : static_cast<int>(shown - entries.begin());
-    ShowEntry((current + step + count) % count, viewer);
+    const int viewer = mPlayback->ActiveViewer();
+    const int shown = sources.indexOf(mPlayback->TimelineOf(viewer));
+    // From anything else it begins at one end.
+    const int next = shown < 0 ? (step > 0 ? 0 : sources.size() - 1) : shown + step;
+    ShowTimeline(sources[(next + sources.size()) % sources.size()], viewer);
 }
 
 void PlayerWindow::UpdateMediaMenu()
 {
     mMediaMenu->clear();
     mCommands->FillMenu(QStringLiteral("media"), mMediaMenu);
+    AddToMediaMenu(mProject->Timelines(false));
+    AddToMediaMenu(mProject->Timelines(true));
+}
+
+void PlayerWindow::AddToMediaMenu(const QList<std::shared_ptr<ProjectTimeline>>& timelines)
+{
     mMediaMenu->addSeparator();
-    const std::vector<MediaLibrary::Entry>& entries = mMedia->Entries();
-    for (int index = 0; index < static_cast<int>(entries.size()); ++index)
+    for (const std::shared_ptr<ProjectTimeline>& timeline : timelines)
     {
-        MediaTimeline& timeline = *entries[static_cast<size_t>(index)].timeline;
-        QString name = timeline.GetName();
+        QString name = timeline->GetName();
         name.replace(QLatin1Char('&'), QLatin1String("&&"));
         QAction* const action = mMediaMenu->addAction(name);
-        action->setToolTip(timeline.Info().path);
+        if (const std::shared_ptr<Source> source = timeline->GetSource().lock())
+            action->setToolTip(source->GetPath());
         action->setCheckable(true);
-        action->setChecked(timeline.GetViewerIndex() >= 0);
+        action->setChecked(timeline->GetViewerIndex() >= 0);
         connect(action, &QAction::triggered, this,
-                [this, index]
+                [this, id = timeline->GetID()]
                 {
-                    ShowEntry(index, mPlayback->ActiveViewer());
-                    UpdateMediaMenu();
+                    if (const std::shared_ptr<ProjectTimeline> wanted = mProject->FindTimeline(id))
+                        ShowTimeline(wanted, mPlayback->ActiveViewer());
                 });
     }
 }
@@ -202,7 +215,7 @@ void PlayerWindow::OnFrameFailed(int media, int frame, const QString& text)
 
 bool PlayerWindow::IsSettled() const
 {
-    if (mMedia->IsOpening())
+    if (mProject->IsReading())
         return false;
     for (int viewer = 0; viewer < PlaybackController::ViewerCount; ++viewer)
     {

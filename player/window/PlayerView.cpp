@@ -9,13 +9,16 @@
 #include "media/FrameLoader.h"
 #include "playback/PlaybackController.h"
 #include "project/BookmarkController.h"
-#include "project/MediaLibrary.h"
-#include "project/MediaTimeline.h"
+#include "project/Project.h"
+#include "project/ProjectTimeline.h"
 #include "viewers/ViewerWidget.h"
 #include "window/AnnotationBarBinding.h"
 #include "window/CommandTable.h"
+#include "window/ElementPanelBinding.h"
 #include "window/MessageBar.h"
 #include "window/PanelTogglesBinding.h"
+#include "window/ProjectBinding.h"
+#include "window/PropertiesBinding.h"
 #include "window/RecentFiles.h"
 #include "window/TimelineBinding.h"
 #include "window/VolumeBarBinding.h"
@@ -55,13 +58,10 @@ void PlayerWindow::ShowChange(const ProjectTimeline* timeline, int frame)
 
 void PlayerWindow::OnDrawingsChanged(AnnotationStore* store, int frame, bool replayed)
 {
-    std::vector<std::shared_ptr<ProjectTimeline>> timelines;
-    for (const MediaLibrary::Entry& entry : mMedia->Entries())
-        timelines.push_back(entry.timeline);
+    mProject->NoteDrawings(store, frame);
     for (int viewer = 0; viewer < PlaybackController::ViewerCount; ++viewer)
-        timelines.push_back(mPlayback->TimelineOf(viewer));
-    for (const std::shared_ptr<ProjectTimeline>& timeline : timelines)
     {
+        const std::shared_ptr<ProjectTimeline> timeline = mPlayback->TimelineOf(viewer);
         if (!timeline || timeline->Annotations().get() != store)
             continue;
         timeline->UpdateAnnotationBookmark(frame);
@@ -76,6 +76,7 @@ void PlayerWindow::OnDrawingsChanged(AnnotationStore* store, int frame, bool rep
 
 void PlayerWindow::OnBookmarksChanged(ProjectTimeline* timeline, int frame, bool replayed)
 {
+    mProject->NoteBookmarks(timeline->GetID());
     if (replayed)
         ShowChange(timeline, frame);
     mTimelines->UpdateBookmarks();
@@ -173,7 +174,7 @@ void PlayerWindow::SetActiveViewer(int viewer)
     UpdateStatus();
 }
 
-void PlayerWindow::OnPanZoomChangeRequested(QPointF panInterpolation, float zoom, bool enabled)
+void PlayerWindow::OnPanZoomChanged(QPointF panInterpolation, float zoom, bool enabled)
 {
     mPan = panInterpolation;
     mZoom = zoom;
@@ -185,13 +186,13 @@ void PlayerWindow::OnPanZoomChangeRequested(QPointF panInterpolation, float zoom
 
 void PlayerWindow::SetPanAndZoom(const QPointF& pan, float zoom)
 {
-    OnPanZoomChangeRequested(pan, zoom, true);
+    mProperties->RequestPanZoom(pan, zoom, true);
 }
 
 void PlayerWindow::SetZoom(float zoom)
 {
     const float allowed = std::min(std::max(zoom, 1.0f), Settings::zoomMaximum);
-    OnPanZoomChangeRequested(allowed > 1.0f ? mPan : QPointF(), allowed, true);
+    mProperties->RequestPanZoom(allowed > 1.0f ? mPan : QPointF(), allowed, true);
 }
 
 void PlayerWindow::ZoomBy(float factor)
@@ -219,6 +220,8 @@ void PlayerWindow::OnSettingsChanged()
     if (mZoom > Settings::zoomMaximum)
         SetZoom(mZoom);
     mRecentFiles->Update();
+    mProjects->UpdateRecent();
+    mElements->UpdateHighlight();
     ArrangeTimelines();
     OnToolChanged();
     SyncBars();

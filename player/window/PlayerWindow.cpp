@@ -9,9 +9,10 @@
 #include "playback/PlaybackController.h"
 #include "playback/VolumeState.h"
 #include "project/BookmarkController.h"
-#include "project/MediaLibrary.h"
 #include "project/MediaSource.h"
-#include "project/MediaTimeline.h"
+#include "project/Project.h"
+#include "project/ProjectJournal.h"
+#include "project/ProjectTimeline.h"
 #include "sound/SoundPlayer.h"
 #include "timelines/TimelineWidget.h"
 #include "toolbars/BookmarksToolbarWidget.h"
@@ -24,10 +25,14 @@
 #include "window/CommandTable.h"
 #include "window/ConsoleBinding.h"
 #include "window/EarlyLog.h"
+#include "window/ElementPanelBinding.h"
 #include "window/MessageBar.h"
 #include "window/OutputBinding.h"
 #include "window/PanelArea.h"
 #include "window/PanelTogglesBinding.h"
+#include "window/ProjectBinding.h"
+#include "window/ProjectPlaybackBinding.h"
+#include "window/PropertiesBinding.h"
 #include "window/RecentFiles.h"
 #include "window/ScriptBinding.h"
 #include "window/SettingsBinding.h"
@@ -46,6 +51,7 @@
 #include <QScreen>
 #include <QStatusBar>
 #include <QTimer>
+#include <QUndoStack>
 #include <QUrl>
 #include <QVBoxLayout>
 
@@ -125,6 +131,7 @@ PlayerWindow::PlayerWindow(const ViewerBackEndChoice& choice)
     SyncBars();
     resize(InitialSize.boundedTo(ScreenPart * QGuiApplication::primaryScreen()->availableSize()));
     setAcceptDrops(true);
+    mProjects->ActivateDefault();
     UpdateTitle();
     UpdateStatus();
     // Once events run: by then the window is shown and its log is heard.
@@ -139,6 +146,8 @@ PlayerWindow::~PlayerWindow()
     // tools.
     mAnnotation->EndEdits();
     hide();
+    // The journal goes while the project stands.
+    delete mProjects;
     // The viewers hold plain pointers to the annotations of timelines that go before them.
     ShowPicture(mViewer, -1, QImage());
 }
@@ -147,7 +156,7 @@ void PlayerWindow::CreateWidgets()
 {
     mLoader = new FrameLoader(this);
     mPlayback = new PlaybackController(mLoader, this);
-    mMedia = new MediaLibrary(mLoader, PictureFormatOf(mViewer), this);
+    mProject = new Project(mLoader, PictureFormatOf(mViewer), this);
     mSound = new SoundPlayer(
         [this]
         {
@@ -160,7 +169,7 @@ void PlayerWindow::CreateWidgets()
     mViewer->setFocusPolicy(Qt::StrongFocus);
     mViewer->SetViewerLayout(static_cast<ViewerLayout>(Settings::viewerLayout));
     mAnnotation = new AnnotationController(
-        mViewer, &mUndoStack,
+        mViewer, mProject->UndoStack(),
         [this](int viewer)
         {
             const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->TimelineOf(viewer);
@@ -175,7 +184,7 @@ void PlayerWindow::CreateWidgets()
             return source ? QSize(source->Info().width, source->Info().height) : QSize();
         },
         this);
-    mBookmarks = new BookmarkController(mPlayback, &mUndoStack, this);
+    mBookmarks = new BookmarkController(mPlayback, mProject->UndoStack(), this);
     mVolume = new VolumeState(this);
     connect(mVolume, &VolumeState::VolumeChanged, mSound,
             [this] { mSound->SetVolume(static_cast<float>(mVolume->Volume()) / 100.0f); });
@@ -191,6 +200,10 @@ void PlayerWindow::CreateWidgets()
     mCenter = new QWidget(this);
     mViewerRow = new QWidget(mCenter);
     mPanels = new PanelArea(mCenter, this);
+    new ProjectPlaybackBinding(mProject, mPlayback, this);
+    mProperties = new PropertiesBinding(mProject, mPlayback, mPanels, this);
+    mElements = new ElementPanelBinding(mProject, mPlayback, mPanels, this);
+    mProjects = new ProjectBinding(mProject, mPlayback, mAnnotation, ProjectJournal::DefaultFolder(), this);
     mAnnotationBar = new AnnotationBarBinding(mAnnotation, mViewerRow, this);
     mBookmarksBar = new BookmarksBarBinding(mBookmarks, mCenter, this);
     mVolumeBar = new VolumeBarBinding(mVolume, mCenter, this);
@@ -220,6 +233,7 @@ void PlayerWindow::CreateActions()
     mMediaMenu = menuBar()->addMenu(tr("&Media"));
     mMediaMenu->setObjectName(QStringLiteral("mediaMenu"));
     UpdateMediaMenu();
+    connect(mMediaMenu, SIGNAL(aboutToShow()), this, SLOT(UpdateMediaMenu()));
     QMenu* const helpMenu = menuBar()->addMenu(tr("&Help"));
     helpMenu->setObjectName(QStringLiteral("helpMenu"));
     mCommands->FillMenu(QStringLiteral("help"), helpMenu);
@@ -233,8 +247,12 @@ void PlayerWindow::CreateActions()
         recentMenu);
     mRecentFiles =
         new RecentFiles(QStringLiteral("recent/files"), &Settings::numRecentFiles, recentMenu, this);
+    auto* const projectsMenu = new QMenu(tr("Open Recent Pro&ject"), fileMenu);
+    projectsMenu->setObjectName(QStringLiteral("recentProjectsMenu"));
+    fileMenu->insertMenu(mCommands->Action(QStringLiteral("file.openRecentProject")), projectsMenu);
+    mProjects->SetRecentMenu(projectsMenu);
     mConsole->AddActions(mCommands);
-    mSettings->SetProject(nullptr);
+    mSettings->SetProject(mProject);
 }
 
 void PlayerWindow::CreateLayout()
@@ -272,16 +290,31 @@ void PlayerWindow::CreateLayout()
 
 void PlayerWindow::CreateConnections()
 {
-    connect(mMedia, SIGNAL(Opened(int, int)), this, SLOT(OnMediaOpened(int, int)));
-    connect(mMedia, SIGNAL(Failed(QString)), this, SLOT(OnMediaFailed(QString)));
+    // Directly, since what is dropped is read during the signal.
+    connect(mViewer, SIGNAL(ViewerDropEvent(QDropEvent*, int)), this, SLOT(OnViewerDropped(QDropEvent*, int)),
+            Qt::DirectConnection);
+    connect(mProjects, &ProjectBinding::MediumOpened, this, &PlayerWindow::OnMediumOpened);
+    connect(mProjects, &ProjectBinding::ShowRequested, this, &PlayerWindow::OnShowRequested);
+    connect(mProjects, SIGNAL(Updated()), this, SLOT(OnProjectUpdated()));
+    connect(mElements, SIGNAL(ImportStarted(ProjectImport*)), mProjects, SLOT(Watch(ProjectImport*)));
+    mPlayback->SetRangeKeeper(
+        [this](ProjectTimeline& timeline, const PlaybackRange& range)
+        {
+            if (mProject->FindTimeline(timeline.GetID()).get() == &timeline)
+                mProject->SetRange(timeline.GetID(), range.first, range.last);
+            else
+                timeline.SetRange(range);
+        });
     connect(mPlayback, SIGNAL(PictureReady(int, int, const ReadResult&)), this,
             SLOT(OnPictureReady(int, int, const ReadResult&)));
-    connect(mPlayback, SIGNAL(SourceFailed(QString)), this, SLOT(OnMediaFailed(QString)));
+    connect(mPlayback, SIGNAL(SourceFailed(QString)), this, SLOT(OnSourceFailed(QString)));
     connect(mPlayback, SIGNAL(PlayheadMoved(int64_t)), this, SLOT(OnPlayheadMoved()));
     connect(mPlayback, SIGNAL(PlayingChanged(bool)), this, SLOT(OnPlayingChanged()));
     connect(mPlayback, SIGNAL(ActualFrameRateChanged(float)), this, SLOT(OnActualFrameRateChanged(float)));
-    connect(mViewer, SIGNAL(PanZoomChangeRequested(QPointF, float, bool)), this,
-            SLOT(OnPanZoomChangeRequested(QPointF, float, bool)));
+    connect(mViewer, SIGNAL(PanZoomChangeRequested(QPointF, float, bool)), mProperties,
+            SLOT(RequestPanZoom(QPointF, float, bool)));
+    connect(mProperties, SIGNAL(PanZoomChanged(QPointF, float, bool)), this,
+            SLOT(OnPanZoomChanged(QPointF, float, bool)));
     connect(mViewer, SIGNAL(PlaybackToggled()), this, SLOT(OnViewerDoubleClicked()));
     connect(mTransport, SIGNAL(PlayForwardsPressed()), mPlayback, SLOT(ToggleForwards()));
     connect(mTransport, SIGNAL(PlayBackwardsPressed()), mPlayback, SLOT(ToggleBackwards()));
@@ -376,9 +409,14 @@ ViewerWidget* PlayerWindow::Viewer() const
     return mViewer;
 }
 
-MediaLibrary* PlayerWindow::Media() const
+Project* PlayerWindow::GetProject() const
 {
-    return mMedia;
+    return mProject;
+}
+
+ProjectBinding* PlayerWindow::Projects() const
+{
+    return mProjects;
 }
 
 StrokeController* PlayerWindow::Strokes() const
@@ -421,11 +459,6 @@ ScriptBinding* PlayerWindow::Scripts() const
     return mScripts;
 }
 
-QUndoStack* PlayerWindow::UndoStack()
-{
-    return &mUndoStack;
-}
-
 QPointF PlayerWindow::Pan() const
 {
     return mPan;
@@ -446,21 +479,20 @@ void PlayerWindow::UpdateTitle()
     QStringList names;
     for (int viewer = 0; viewer < PlaybackController::ViewerCount; ++viewer)
     {
-        if (const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->TimelineOf(viewer))
+        const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->TimelineOf(viewer);
+        if (timeline && timeline->FrameCount() > 0)
             names << timeline->GetName();
     }
-    const QString title = QString::fromLatin1(Settings::APPLICATION_TITLE);
-    setWindowTitle(names.isEmpty() ? title
-                                   : QStringLiteral("%1 - %2").arg(names.join(QLatin1String(" | ")), title));
+    mProjects->UpdateTitle(names);
 }
 
 void PlayerWindow::UpdateStatus()
 {
     const std::shared_ptr<ProjectTimeline>& timeline = mPlayback->LeadingTimeline();
-    if (!timeline)
+    if (!timeline || timeline->FrameCount() == 0)
     {
-        mMediaLabel->setText(mMedia->IsOpening() ? tr("Opening…")
-                                                 : tr("Open or drop a movie or an image sequence"));
+        mMediaLabel->setText(mProject->IsReading() ? tr("Opening…")
+                                                   : tr("Open or drop a movie or an image sequence"));
         mFrameLabel->clear();
         mRateLabel->clear();
         mToolLabel->clear();
@@ -507,6 +539,13 @@ void PlayerWindow::dropEvent(QDropEvent* event)
     OpenForUser(paths, mAnnotation->Strokes()->ViewerAt(mapToGlobal(event->pos())));
 }
 
+void PlayerWindow::OnViewerDropped(QDropEvent* event, int viewer)
+{
+    const QStringList paths = LocalFiles(event->mimeData());
+    if (!paths.isEmpty())
+        OpenForUser(paths, viewer);
+}
+
 void PlayerWindow::keyPressEvent(QKeyEvent* event)
 {
     if (event->key() == Qt::Key_Escape && mAnnotation->IsBusy())
@@ -517,14 +556,10 @@ void PlayerWindow::keyPressEvent(QKeyEvent* event)
 
 void PlayerWindow::closeEvent(QCloseEvent* event)
 {
-    if (!mOutput->MayClose())
-    {
-        event->ignore();
-        return;
-    }
     mPlayback->Pause();
     mAnnotation->EndEdits();
-    if (!mSettings->MayClose(!mUndoStack.isClean()))
+    // An export is stopped only when nothing else keeps the window open.
+    if (!mProjects->MayDrop() || !mOutput->MayClose())
     {
         event->ignore();
         return;

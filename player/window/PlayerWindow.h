@@ -10,7 +10,6 @@
 #include <QColor>
 #include <QMainWindow>
 #include <QStringList>
-#include <QUndoStack>
 
 #include <memory>
 #include <tuple>
@@ -24,8 +23,8 @@ class BookmarkController;
 class BookmarksBarBinding;
 class CommandTable;
 class ConsoleBinding;
+class ElementPanelBinding;
 class FrameLoader;
-class MediaLibrary;
 class MessageBar;
 class OutputBinding;
 class PanelArea;
@@ -34,7 +33,11 @@ class PlaybackControlWidget;
 class PlaybackController;
 class QLabel;
 class QMenu;
+class QUndoStack;
+class Project;
+class ProjectBinding;
 class ProjectTimeline;
+class PropertiesBinding;
 class RecentFiles;
 class QVBoxLayout;
 class ScriptBinding;
@@ -57,7 +60,8 @@ public:
     explicit PlayerWindow(const ViewerBackEndChoice& choice = ViewerBackEndChoice::BySettings());
     ~PlayerWindow() override;
 
-    /// Opens @p paths: the first in viewer @p viewer, the others beside it in the list of media.
+    /// Opens @p paths: a project, or media, the first in viewer @p viewer and the others beside it in the
+    /// project.
     void OpenFiles(const QStringList& paths, int viewer);
     /// Plays as soon as a medium is there.
     void PlayWhenReady();
@@ -67,12 +71,13 @@ public:
     CommandTable* Commands() const;
     PlaybackController* Playback() const;
     ViewerWidget* Viewer() const;
-    MediaLibrary* Media() const;
+    Project* GetProject() const;
+    /// The commands and questions of the project.
+    ProjectBinding* Projects() const;
+    /// Shows @p timeline in viewer @p viewer (0 or 1); an empty pointer clears it.
+    void ShowTimeline(const std::shared_ptr<ProjectTimeline>& timeline, int viewer);
     StrokeController* Strokes() const;
     ScriptBinding* Scripts() const;
-    QUndoStack* UndoStack();
-    /// Shows @p timeline, one of the media's, in viewer @p viewer.
-    void ShowTimeline(const std::shared_ptr<ProjectTimeline>& timeline, int viewer);
     ConsoleBinding* Console() const;
     /// Preferences, project settings, about box.
     SettingsBinding* Preferences() const;
@@ -91,12 +96,12 @@ public:
     PanelArea* Panels() const;
 
 public Q_SLOTS:
-    /// Has the window act on settings that have changed.
-    void OnSettingsChanged();
     /// Shows the viewers in @p layout, a ViewerLayout value.
     void SetLayout(int layout);
     /// Brings the bars in line with the settings, after these changed.
     void SyncBars();
+    /// Has the window act on settings that have changed.
+    void OnSettingsChanged();
 
 Q_SIGNALS:
     /// Every viewer that is to show a picture shows the one that it is to show, and nothing is being opened.
@@ -109,9 +114,12 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private Q_SLOTS:
+    void OnViewerDropped(QDropEvent* event, int viewer);
     void OnRecentFilePicked(const QString& path);
-    void OnMediaOpened(int index, int viewer);
-    void OnMediaFailed(const QString& text);
+    void OnMediumOpened(const std::shared_ptr<ProjectTimeline>& timeline);
+    void OnShowRequested(const std::shared_ptr<ProjectTimeline>& timeline, int viewer);
+    void OnProjectUpdated();
+    void OnSourceFailed(const QString& text);
     void OnFrameFailed(int media, int frame, const QString& text);
     void OnPictureReady(int viewer, int frame, const ReadResult& result);
     void OnPlayheadMoved();
@@ -124,10 +132,11 @@ private Q_SLOTS:
     void OnToolChanged();
     void OnKeysChanged();
     void OnViewerDoubleClicked();
-    void OnPanZoomChangeRequested(QPointF panInterpolation, float zoom, bool enabled);
+    void OnPanZoomChanged(QPointF panInterpolation, float zoom, bool enabled);
     void OnLogged(const QString& text);
     void PresentOverlays();
     void RefreshViewers();
+    void UpdateMediaMenu();
     void ClearFrame(bool removeBookmark);
     void OnGlobalPositionChangeRequested(bool top);
     void OnRangePositionChangeRequested(bool top);
@@ -145,9 +154,8 @@ private:
     void OpenFromDialog(int viewer);
     /// Opens @p paths as the user asks: in viewer @p viewer, or in a player of their own.
     void OpenForUser(const QStringList& paths, int viewer);
-    void ShowEntry(int index, int viewer);
-    void ShowNeighbourEntry(int step);
-    void UpdateMediaMenu();
+    void ShowNeighbourSource(int step);
+    void AddToMediaMenu(const QList<std::shared_ptr<ProjectTimeline>>& timelines);
     void UpdateStatus();
     void UpdateTitle();
     void SetAnnotationsVisible(bool visible);
@@ -161,9 +169,8 @@ private:
 
     FrameLoader* mLoader = nullptr;
     PlaybackController* mPlayback = nullptr;
-    MediaLibrary* mMedia = nullptr;
+    Project* mProject = nullptr;
     SoundPlayer* mSound = nullptr;
-    QUndoStack mUndoStack;
     ViewerWidget* mViewer = nullptr;
     AnnotationController* mAnnotation = nullptr;
     BookmarkController* mBookmarks = nullptr;
@@ -181,6 +188,9 @@ private:
     QWidget* mCenter = nullptr;
     QVBoxLayout* mCenterLayout = nullptr;
     PanelArea* mPanels = nullptr;
+    PropertiesBinding* mProperties = nullptr;
+    ElementPanelBinding* mElements = nullptr;
+    ProjectBinding* mProjects = nullptr;
     CommandTable* mCommands = nullptr;
     MessageBar* mMessages = nullptr;
     ScriptBinding* mScripts = nullptr;

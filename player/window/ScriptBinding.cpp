@@ -6,16 +6,19 @@
 #include "host/Logger.h"
 #include "host/Settings.h"
 #include "project/BookmarkCommands.h"
-#include "project/MediaLibrary.h"
 #include "project/MediaTimeline.h"
+#include "project/Project.h"
+#include "project/ProjectImport.h"
 #include "scripting/CommandPort.h"
 #include "scripting/ScriptEngine.h"
 #include "window/PlayerWindow.h"
+#include "window/ProjectBinding.h"
 #include "window/ViewerBackEndChoice.h"
 
 #include <QApplication>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QUndoStack>
 
 ScriptBinding::ScriptBinding(PlayerWindow* window)
     : QObject(window), mWindow(window), mEngine(new ScriptEngine(this, this))
@@ -123,39 +126,30 @@ QImage ScriptBinding::WindowPicture()
     return GrabWindow(mWindow).toImage();
 }
 
-QList<std::shared_ptr<ProjectTimeline>> ScriptBinding::Timelines()
+Project* ScriptBinding::GetProject()
 {
-    QList<std::shared_ptr<ProjectTimeline>> timelines;
-    for (const MediaLibrary::Entry& entry : mWindow->Media()->Entries())
-        timelines << entry.timeline;
-    return timelines;
+    return mWindow->GetProject();
 }
 
 std::shared_ptr<const ScriptHost::Opening> ScriptBinding::Open(const QString& path, int viewer)
 {
     const auto opening = std::make_shared<Opening>();
-    const QString absolute = QFileInfo(path).absoluteFilePath();
-    MediaLibrary* const media = mWindow->Media();
-    auto* const listener = new QObject(this);
-    const auto finish = [opening, listener](const QUuid& timeline, const QString& error)
-    {
-        *opening = Opening{true, timeline, error};
-        listener->deleteLater();
-    };
-    connect(media, &MediaLibrary::Opened, listener,
-            [media, absolute, finish](int index, int)
+    ProjectImport* const import =
+        mWindow->GetProject()->Import({QFileInfo(path).absoluteFilePath()}, QUuid(), QList<int>(), true);
+    connect(import, &ProjectImport::Finished, this,
+            [this, opening, path, viewer](const ProjectImport::Result& result)
             {
-                const MediaLibrary::Entry& entry = media->Entries()[static_cast<size_t>(index)];
-                if (entry.path == absolute)
-                    finish(entry.timeline->GetID(), QString());
+                opening->done = true;
+                if (result.sources.isEmpty())
+                {
+                    opening->error = result.errors.isEmpty() ? tr("%1 holds no media").arg(path)
+                                                             : result.errors.join(QLatin1Char('\n'));
+                    return;
+                }
+                opening->timeline = result.sources.first();
+                if (viewer >= 0)
+                    mWindow->ShowTimeline(mWindow->GetProject()->FindTimeline(opening->timeline), viewer);
             });
-    connect(media, &MediaLibrary::Failed, listener,
-            [absolute, finish](const QString& text)
-            {
-                if (text.contains(absolute))
-                    finish(QUuid(), text);
-            });
-    mWindow->OpenFiles({path}, viewer);
     return opening;
 }
 
@@ -168,7 +162,7 @@ void ScriptBinding::SetDrawings(const std::shared_ptr<ProjectTimeline>& timeline
                                 const QList<DrawData>& drawings, const QString& text)
 {
     mWindow->Annotation()->EndEdits();
-    mWindow->UndoStack()->push(new SetDrawingsCommand(
+    mWindow->GetProject()->UndoStack()->push(new SetDrawingsCommand(
         text, timeline->Annotations(), frame, timeline->Annotations()->Drawings(frame), drawings,
         [this](AnnotationStore* store, int changed, bool replayed)
         { Q_EMIT DrawingsChanged(store, changed, replayed); }));
@@ -176,7 +170,7 @@ void ScriptBinding::SetDrawings(const std::shared_ptr<ProjectTimeline>& timeline
 
 void ScriptBinding::MarkFrame(const std::shared_ptr<ProjectTimeline>& timeline, int frame, bool marked)
 {
-    mWindow->UndoStack()->push(new MarkFrameCommand(
+    mWindow->GetProject()->UndoStack()->push(new MarkFrameCommand(
         marked ? tr("Add Bookmark by Script") : tr("Remove Bookmark by Script"), timeline, frame, marked,
         [this](ProjectTimeline* changed, int changedFrame, bool replayed)
         { Q_EMIT BookmarksChanged(changed, changedFrame, replayed); }));
@@ -185,7 +179,7 @@ void ScriptBinding::MarkFrame(const std::shared_ptr<ProjectTimeline>& timeline, 
 void ScriptBinding::MarkRange(const std::shared_ptr<ProjectTimeline>& timeline, const RangeBookmark& range,
                               bool marked)
 {
-    mWindow->UndoStack()->push(new MarkRangeCommand(
+    mWindow->GetProject()->UndoStack()->push(new MarkRangeCommand(
         marked ? tr("Add Bookmark by Script") : tr("Remove Bookmark by Script"), timeline, range, marked,
         [this](ProjectTimeline* changed, int changedFrame, bool replayed)
         { Q_EMIT BookmarksChanged(changed, changedFrame, replayed); }));
@@ -193,14 +187,14 @@ void ScriptBinding::MarkRange(const std::shared_ptr<ProjectTimeline>& timeline, 
 
 bool ScriptBinding::Undo()
 {
-    const bool can = mWindow->UndoStack()->canUndo();
+    const bool can = mWindow->GetProject()->UndoStack()->canUndo();
     mWindow->Annotation()->Undo();
     return can;
 }
 
 bool ScriptBinding::Redo()
 {
-    const bool can = mWindow->UndoStack()->canRedo();
+    const bool can = mWindow->GetProject()->UndoStack()->canRedo();
     mWindow->Annotation()->Redo();
     return can;
 }

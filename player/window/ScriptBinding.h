@@ -40,7 +40,7 @@ public:
     float Zoom() override;
     void SetPanAndZoom(const QPointF& pan, float zoom) override;
     QImage WindowPicture() override;
-    QList<std::shared_ptr<ProjectTimeline>> Timelines() override;
+    Project* GetProject() override;
     std::shared_ptr<const Opening> Open(const QString& path, int viewer) override;
     void ShowTimeline(const std::shared_ptr<ProjectTimeline>& timeline, int viewer) override;
     void SetDrawings(const std::shared_ptr<ProjectTimeline>& timeline, int frame,

@@ -9,6 +9,7 @@
 #include "playback/PlaybackController.h"
 #include "project/Project.h"
 #include "project/ProjectFile.h"
+#include "project/ProjectTimeline.h"
 #include "viewers/ViewerWidget.h"
 #include "window/CommandTable.h"
 #include "window/PlayerWindow.h"
@@ -20,6 +21,16 @@
 #include <QMessageBox>
 #include <QProcess>
 #include <QScreen>
+
+namespace
+{
+
+bool ShowsSomething(const PlaybackController* playback)
+{
+    return playback->LeadingTimeline() && playback->LeadingTimeline()->FrameCount() > 0;
+}
+
+} // namespace
 
 SettingsBinding::SettingsBinding(PlayerWindow* window) : QObject(window), mWindow(window) {}
 
@@ -92,18 +103,9 @@ void SettingsBinding::ShowAbout()
     AboutDialog(mWindow).exec();
 }
 
-bool SettingsBinding::MayClose(bool hasWork)
-{
-    if (!hasWork || !Settings::displayConfirmationOnClose)
-        return true;
-    return QMessageBox::question(mWindow, QString::fromUtf8(Settings::APPLICATION_TITLE),
-                                 tr("There are drawings or bookmarks that are not kept. Close all the same?"),
-                                 QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes) == QMessageBox::Yes;
-}
-
 bool SettingsBinding::OpenElsewhere(const QStringList& paths)
 {
-    if (!Settings::openMediaInNewPlayers || !mWindow->Playback()->LeadingTimeline())
+    if (!Settings::openMediaInNewPlayers || !ShowsSomething(mWindow->Playback()))
         return false;
     const QString program = mProgram.isEmpty() ? QCoreApplication::applicationFilePath() : mProgram;
     if (QProcess::startDetached(program, paths))

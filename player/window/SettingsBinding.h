@@ -25,9 +25,6 @@ public:
     /// Makes @p project, which may be null, the one whose settings the user edits.
     void SetProject(Project* project);
 
-    /// Whether the window may close: asks the user while Settings::displayConfirmationOnClose is on and there
-    /// is unsaved work (@p hasWork).
-    bool MayClose(bool hasWork);
     /// Opens @p paths in a player of their own if Settings::openMediaInNewPlayers says so and this one shows
     /// something. Returns whether it did.
     bool OpenElsewhere(const QStringList& paths);

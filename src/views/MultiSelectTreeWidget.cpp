@@ -3,28 +3,15 @@
 
 #include <QItemSelectionModel>
 #include <QMouseEvent>
+#include <QSignalBlocker>
 
 #include <algorithm>
 
 namespace
 {
 
-/// Lets a tree paint itself whole when it is done. To paint no more than a change of the selection needs, it
-/// would look for the place of every range.
-class WithoutPainting
-{
-public:
-    explicit WithoutPainting(QWidget* widget) : mWidget(widget), mWasEnabled(widget->updatesEnabled())
-    {
-        mWidget->setUpdatesEnabled(false);
-    }
-    ~WithoutPainting() { mWidget->setUpdatesEnabled(mWasEnabled); }
-    Q_DISABLE_COPY(WithoutPainting)
-
-private:
-    QWidget* mWidget;
-    bool mWasEnabled;
-};
+/// From this many ranges on, a selection is handled as a whole.
+constexpr int ManyRanges = 100;
 
 /// Appends whole rows from @p top to @p bottom below @p parent, to the last range where they go on from it.
 void AppendRows(QItemSelection& selection, const QAbstractItemModel* model, const QModelIndex& parent,
@@ -49,7 +36,16 @@ MultiSelectTreeWidget::MultiSelectTreeWidget(QWidget* parent) : QTreeWidget(pare
 
 QList<QTreeWidgetItem*> MultiSelectTreeWidget::GetSelectedItemsInOrder() const
 {
-    // Asking each row whether it is selected searches all ranges of the selection each time.
+    const QSet<QTreeWidgetItem*> selected = SelectedRows();
+    QList<QTreeWidgetItem*> ordered;
+    ordered.reserve(selected.size());
+    AppendSelectedChildren(invisibleRootItem(), selected, ordered);
+    return ordered;
+}
+
+QSet<QTreeWidgetItem*> MultiSelectTreeWidget::SelectedRows() const
+{
+    // Asking each row whether it is selected would search all ranges of the selection each time.
     QSet<QTreeWidgetItem*> selected;
     const QModelIndexList indexes = selectionModel()->selectedIndexes();
     for (const QModelIndex& index : indexes)
@@ -57,10 +53,7 @@ QList<QTreeWidgetItem*> MultiSelectTreeWidget::GetSelectedItemsInOrder() const
         if (index.column() == 0)
             selected << itemFromIndex(index);
     }
-    QList<QTreeWidgetItem*> ordered;
-    ordered.reserve(selected.size());
-    AppendSelectedChildren(invisibleRootItem(), selected, ordered);
-    return ordered;
+    return selected;
 }
 
 void MultiSelectTreeWidget::AppendSelectedChildren(QTreeWidgetItem* parent,
@@ -93,7 +86,6 @@ void MultiSelectTreeWidget::ReplaceRows(const QList<QTreeWidgetItem*>& rows,
                                         const QSet<QTreeWidgetItem*>& expanded,
                                         const QList<QTreeWidgetItem*>& selected)
 {
-    const WithoutPainting withoutPainting(this);
     clear();
     addTopLevelItems(rows);
     if (!expanded.isEmpty())
@@ -140,9 +132,34 @@ void MultiSelectTreeWidget::UnselectRows(const QSet<QTreeWidgetItem*>& rows)
     if (!isChanged)
         return;
     // Taking the rows out of each range would compare all ranges with each other.
-    const WithoutPainting withoutPainting(this);
     selectionModel()->clearSelection();
     selectionModel()->select(kept, QItemSelectionModel::Select);
+}
+
+void MultiSelectTreeWidget::selectAll()
+{
+    if (selectionModel()->selection().size() < ManyRanges)
+    {
+        QTreeWidget::selectAll();
+        return;
+    }
+    // To tell what changes, the selection model would compare all ranges of before and after with each other.
+    const QSet<QTreeWidgetItem*> before = SelectedRows();
+    {
+        const QSignalBlocker blocker(selectionModel());
+        selectionModel()->clearSelection();
+        QTreeWidget::selectAll();
+    }
+    if (SelectedRows() != before)
+        Q_EMIT selectionModel()->selectionChanged(selectionModel()->selection(), QItemSelection());
+}
+
+QRegion MultiSelectTreeWidget::visualRegionForSelection(const QItemSelection& selection) const
+{
+    // The place of each range would be looked for among all rows.
+    if (selection.size() >= ManyRanges)
+        return viewport()->rect();
+    return QTreeWidget::visualRegionForSelection(selection);
 }
 
 void MultiSelectTreeWidget::mouseMoveEvent(QMouseEvent* event)

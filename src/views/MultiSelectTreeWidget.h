@@ -31,11 +31,16 @@ public:
     /// Takes @p rows out of the selection, whose order stays. Nothing is signalled if none is in it.
     void UnselectRows(const QSet<QTreeWidgetItem*>& rows);
 
+public Q_SLOTS:
+    void selectAll() override;
+
 protected:
+    QRegion visualRegionForSelection(const QItemSelection& selection) const override;
     /// Without a selection a move does nothing: it selects no row and begins no drag.
     void mouseMoveEvent(QMouseEvent* event) override;
 
 private:
+    QSet<QTreeWidgetItem*> SelectedRows() const;
     void AppendSelectedChildren(QTreeWidgetItem* parent, const QSet<QTreeWidgetItem*>& selected,
                                 QList<QTreeWidgetItem*>& ordered) const;
     void ExpandBelow(const QModelIndex& parent, const QSet<QTreeWidgetItem*>& expanded);

@@ -5,6 +5,7 @@
 
 #include <QElapsedTimer>
 #include <QRandomGenerator>
+#include <QSignalSpy>
 #include <QtTest>
 
 class tst_MultiSelectTreeWidget : public QObject
@@ -17,6 +18,8 @@ private Q_SLOTS:
     void RowsOfCollapsedAndHiddenParentsCount();
     void RandomSelectionsAreThoseOfAPlainWalk();
     void ManyRangesTakeNoLonger();
+    void SelectingAllOverManyRangesIsAsOverFew_data();
+    void SelectingAllOverManyRangesIsAsOverFew();
     void ARowBelowAnother();
     void NothingLiesBelowNull();
     void DraggingTheMouseSelectsOnlyWithASelection();
@@ -122,6 +125,59 @@ void tst_MultiSelectTreeWidget::ManyRangesTakeNoLonger()
     QCOMPARE(selected.size(), 5000);
     for (int index = 0; index < selected.size(); ++index)
         QCOMPARE(selected[index], rows[2 * index]);
+}
+
+void tst_MultiSelectTreeWidget::SelectingAllOverManyRangesIsAsOverFew_data()
+{
+    QTest::addColumn<int>("step");
+    QTest::addColumn<bool>("isShown");
+    for (const int step : {1, 2, 3, 50})
+    {
+        QTest::addRow("every %d, hidden", step) << step << false;
+        QTest::addRow("every %d, shown", step) << step << true;
+    }
+}
+
+void tst_MultiSelectTreeWidget::SelectingAllOverManyRangesIsAsOverFew()
+{
+    QFETCH(int, step);
+    QFETCH(bool, isShown);
+    MultiSelectTreeWidget tree;
+    QTreeWidget plain;
+    plain.setSelectionMode(QAbstractItemView::ExtendedSelection);
+    QList<QString> selected[2];
+    QList<int> signalCounts;
+    for (QTreeWidget* const each : {static_cast<QTreeWidget*>(&tree), &plain})
+    {
+        if (isShown)
+        {
+            each->show();
+            QVERIFY(QTest::qWaitForWindowExposed(each));
+        }
+        auto* const folder = AddTo(each->invisibleRootItem(), QStringLiteral("folder"));
+        auto* const closed = AddTo(each->invisibleRootItem(), QStringLiteral("closed"));
+        AddTo(closed, QStringLiteral("in closed"));
+        for (int index = 0; index < 600; ++index)
+            AddTo(folder, QString::number(index));
+        folder->setExpanded(true);
+        for (int index = 0; index < 600; index += step)
+            folder->child(index)->setSelected(true);
+        if (step == 1)
+        {
+            folder->setSelected(true);
+            closed->setSelected(true);
+        }
+        QSignalSpy spy(each, SIGNAL(itemSelectionChanged()));
+        QSignalSpy modelSpy(each->selectionModel(), SIGNAL(selectionChanged(QItemSelection, QItemSelection)));
+        each->selectAll();
+        signalCounts << spy.size() << modelSpy.size();
+        for (const QTreeWidgetItem* const row : each->selectedItems())
+            selected[each == &plain] << row->text(0);
+    }
+    QCOMPARE(selected[0], selected[1]);
+    QCOMPARE(selected[0].size(), 602);
+    QCOMPARE(signalCounts.mid(0, 2), signalCounts.mid(2, 2));
+    QCOMPARE(signalCounts[0], step == 1 ? 0 : 1);
 }
 
 void tst_MultiSelectTreeWidget::ARowBelowAnother()

@@ -11,7 +11,33 @@
 #include <QTreeWidget>
 #include <QtTest>
 
+#include <functional>
+
 using namespace FakeProject;
+
+namespace
+{
+
+/// Calls a function with each menu that opens while it lives, as soon as the menu's own event loop runs.
+class MenuUser
+{
+public:
+    explicit MenuUser(const std::function<void(QMenu*)>& use)
+    {
+        QObject::connect(&mTimer, &QTimer::timeout, &mTimer,
+                         [use]
+                         {
+                             if (auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget()))
+                                 use(menu);
+                         });
+        mTimer.start(5);
+    }
+
+private:
+    QTimer mTimer;
+};
+
+} // namespace
 
 /// The menu of each selection.
 class tst_ProjectViewMenu : public QObject
@@ -85,21 +111,16 @@ std::shared_ptr<ProjectObject> tst_ProjectViewMenu::AddKind(const QString& kind)
 QString tst_ProjectViewMenu::MenuText()
 {
     QString text = QStringLiteral("none");
-    QTimer::singleShot(0, this,
-                       [this, &text]
-                       {
-                           auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-                           if (!menu)
-                               return;
-                           text.clear();
-                           for (const QAction* const action : menu->actions())
-                               text += action->isSeparator() ? QStringLiteral("| ")
-                                                             : action->text() + QStringLiteral("; ");
-                           mMenuPosition = menu->pos();
-                           menu->close();
-                       });
+    const MenuUser user(
+        [this, &text](QMenu* menu)
+        {
+            text.clear();
+            for (const QAction* const action : menu->actions())
+                text += action->isSeparator() ? QStringLiteral("| ") : action->text() + QStringLiteral("; ");
+            mMenuPosition = menu->pos();
+            menu->close();
+        });
     mView->ShowContextMenu(QPoint(40, 30));
-    QCoreApplication::processEvents();
     return text.trimmed();
 }
 
@@ -201,16 +222,13 @@ void tst_ProjectViewMenu::ARightClickOnARowOpensItsMenu()
     const QPoint global = mTree->viewport()->mapToGlobal(center);
     QString first;
     QPoint position;
-    QTimer::singleShot(0, this,
-                       [&first, &position]
-                       {
-                           auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-                           if (!menu)
-                               return;
-                           first = menu->actions().first()->text();
-                           position = menu->pos();
-                           menu->close();
-                       });
+    const MenuUser user(
+        [&first, &position](QMenu* menu)
+        {
+            first = menu->actions().first()->text();
+            position = menu->pos();
+            menu->close();
+        });
     // The window system asks for the menu with the press.
     InputEvents::Press(mTree->viewport(), center, Qt::RightButton);
     QCOMPARE(first, QStringLiteral("Add Folder"));
@@ -226,13 +244,12 @@ void tst_ProjectViewMenu::AnEntryDoesItsWork()
     QVERIFY(QTest::qWaitForWindowExposed(mView.get()));
     mTree->topLevelItem(0)->setSelected(true);
     QSignalSpy viewer(mView.get(), SIGNAL(ViewerChangeRequested(std::weak_ptr<Timeline>, int)));
-    QTimer::singleShot(0, this,
-                       []
-                       {
-                           auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-                           QTest::mouseClick(menu, Qt::LeftButton, Qt::NoModifier,
-                                             menu->actionGeometry(menu->actions()[0]).center());
-                       });
+    const MenuUser user(
+        [](QMenu* menu)
+        {
+            QTest::mouseClick(menu, Qt::LeftButton, Qt::NoModifier,
+                              menu->actionGeometry(menu->actions().first()).center());
+        });
     mView->ShowContextMenu(QPoint(5, 5));
     QCOMPARE(viewer.size(), 1);
     QCOMPARE(viewer[0][1].toInt(), 0);

@@ -363,7 +363,12 @@ void tst_ProjectViewMirror::TenThousandRowsAreQuick()
     QCOMPARE(selected.size(), 5000);
     for (int index = 0; index < 5000; ++index)
         QCOMPARE(selected[index], folder->children[2 * index]->GetID());
+    QVERIFY(isQuick("select all over every other row", [this] { mTree->selectAll(); }));
+    QCOMPARE(selection.size(), 1);
+    for (int index = 1; index < 10000; index += 2)
+        folder->children[index]->SetSelected(false);
     QVERIFY(isQuick("update again", [this] { mView->Update(); }));
+    QCOMPARE(mView->GetSelectedItems().size(), 5001);
     QVERIFY(isQuick("collapse every other row", [this] { mTree->topLevelItem(0)->setExpanded(false); }));
     QCOMPARE(mView->GetSelectedItems().size(), 0);
     for (int index = 0; index < 10000; index += 2)

@@ -3,6 +3,7 @@
 
 #include "playback/PlaybackController.h"
 #include "project/MediaSource.h"
+#include "project/Project.h"
 #include "project/ProjectTimeline.h"
 #include "scripting/ScriptHost.h"
 
@@ -22,11 +23,8 @@ constexpr double OpenInterval = 0.005;
 
 std::shared_ptr<ProjectTimeline> FindTimeline(ScriptHost& host, const QUuid& id)
 {
-    for (const std::shared_ptr<ProjectTimeline>& timeline : host.Timelines())
-    {
-        if (timeline->GetID() == id)
-            return timeline;
-    }
+    if (auto timeline = host.GetProject()->FindTimeline(id))
+        return timeline;
     throw std::runtime_error(
         Words(QStringLiteral("there is no timeline %1 any more").arg(id.toString(QUuid::WithoutBraces))));
 }
@@ -74,8 +72,12 @@ std::vector<ObjectHandle> ListTimelines()
         [](ScriptHost& host)
         {
             std::vector<ObjectHandle> handles;
-            for (const std::shared_ptr<ProjectTimeline>& timeline : host.Timelines())
-                handles.push_back({timeline->GetID()});
+            for (const bool ofSources : {false, true})
+            {
+                for (const std::shared_ptr<ProjectTimeline>& timeline :
+                     host.GetProject()->Timelines(ofSources))
+                    handles.push_back({timeline->GetID()});
+            }
             return handles;
         });
 }
@@ -177,15 +179,13 @@ void ScriptModule::AddTimelines(py::module_& module)
                  return OnGui(
                      [id = handle.id](ScriptHost& host)
                      {
-                         for (const std::shared_ptr<ProjectTimeline>& timeline : host.Timelines())
-                         {
-                             if (timeline->GetID() == id)
-                                 return QStringLiteral("<torvalen.Timeline %1>").arg(timeline->GetName());
-                         }
-                         return QStringLiteral("<torvalen.Timeline that has gone>");
+                         const auto timeline = host.GetProject()->FindTimeline(id);
+                         return timeline ? QStringLiteral("<torvalen.Timeline %1>").arg(timeline->GetName())
+                                         : QStringLiteral("<torvalen.Timeline that has gone>");
                      });
              });
-    module.def("timelines", &ListTimelines, "Every timeline of the player, in its order.");
+    module.def("timelines", &ListTimelines,
+               "Every timeline of the project: those of elements, then those of sources.");
     module.def(
         "timeline", &ViewerTimeline, py::arg("viewer") = py::none(),
         "The timeline that leads, or the one that viewer \"A\" or \"B\" shows; None if there is none.");

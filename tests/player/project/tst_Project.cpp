@@ -28,6 +28,7 @@ private Q_SLOTS:
     void AFolderDoesNotGoIntoItself();
     void MovesCountTheIndexAfterLeaving();
     void SeveralMoveInOneStep();
+    void SeveralMoveDownTogether();
     void AFolderIsRemovedWithAllInIt();
     void ElementsOfARemovedSourceStayAsMissing();
     void TheDefaultIsOneTimelineOrNone();
@@ -184,6 +185,19 @@ void tst_Project::SeveralMoveInOneStep()
     mProject->UndoStack()->undo();
     QCOMPARE(ChildrenOf(folder), ids);
     QCOMPARE(ChildrenOf(other), QList<QUuid>{there});
+}
+
+void tst_Project::SeveralMoveDownTogether()
+{
+    const QUuid folder = mProject->AddFolder();
+    QList<QUuid> ids;
+    for (int index = 0; index < 5; ++index)
+        ids.append(mProject->AddFolder(folder));
+    QVERIFY(mProject->Move({ids[0], ids[1]}, folder, 2));
+    QCOMPARE(ChildrenOf(folder), (QList<QUuid>{ids[2], ids[0], ids[1], ids[3], ids[4]}));
+    mProject->UndoStack()->undo();
+    QVERIFY(mProject->Move({ids[3], ids[0], ids[4]}, folder, 1));
+    QCOMPARE(ChildrenOf(folder), (QList<QUuid>{ids[3], ids[0], ids[4], ids[1], ids[2]}));
 }
 
 void tst_Project::AFolderIsRemovedWithAllInIt()

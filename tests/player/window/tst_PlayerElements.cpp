@@ -3,7 +3,6 @@
 #include "media/NumberedMedia.h"
 #include "playback/PlaybackController.h"
 #include "project/ElementTimeline.h"
-#include "project/MediaLibrary.h"
 #include "project/MediaSource.h"
 #include "project/MediaTimeline.h"
 #include "support/TestRegistry.h"

@@ -3,8 +3,8 @@
 #include "host/Settings.h"
 #include "media/NumberedMedia.h"
 #include "playback/PlaybackController.h"
-#include "project/MediaLibrary.h"
 #include "project/MediaTimeline.h"
+#include "project/Project.h"
 #include "support/InputEvents.h"
 #include "support/TestRegistry.h"
 #include "viewers/ViewerWidget.h"
@@ -41,6 +41,7 @@ private Q_SLOTS:
     void DraggingOverThePictureScrubs();
     void ASecondButtonLeavesTheScrubAsItIs();
     void CtrlWheelZoomsIn();
+    void DroppedFilesOpenInTheViewerUnderThem_data();
     void DroppedFilesOpenInTheViewerUnderThem();
     void BadFilesAreReported_data();
     void BadFilesAreReported();
@@ -282,18 +283,27 @@ void tst_PlayerPlayback::CtrlWheelZoomsIn()
     QVERIFY(WaitForNumber(1));
 }
 
+void tst_PlayerPlayback::DroppedFilesOpenInTheViewerUnderThem_data()
+{
+    QTest::addColumn<bool>("reachesViewer");
+    QTest::newRow("by the viewer") << true;
+    QTest::newRow("by the window") << false;
+}
+
 void tst_PlayerPlayback::DroppedFilesOpenInTheViewerUnderThem()
 {
+    QFETCH(bool, reachesViewer);
     mWindow->SetLayout(Horizontal);
     QMimeData data;
     data.setUrls({QUrl::fromLocalFile(PlayerProbe::SampleMovie())});
+    QWidget* const receiver = reachesViewer ? static_cast<QWidget*>(mWindow->Viewer()) : mWindow.get();
     const QPoint right =
-        mWindow->Viewer()->mapTo(mWindow.get(), QPoint(mWindow->Viewer()->width() - 40, 100));
+        receiver->mapFromGlobal(mWindow->Viewer()->mapToGlobal(QPoint(mWindow->Viewer()->width() - 40, 100)));
     QDragEnterEvent enter(right, Qt::CopyAction, &data, Qt::NoButton, Qt::NoModifier);
-    QApplication::sendEvent(mWindow.get(), &enter);
+    QApplication::sendEvent(receiver, &enter);
     QVERIFY(enter.isAccepted());
     QDropEvent drop(right, Qt::CopyAction, &data, Qt::NoButton, Qt::NoModifier);
-    QApplication::sendEvent(mWindow.get(), &drop);
+    QApplication::sendEvent(receiver, &drop);
     QTRY_COMPARE_WITH_TIMEOUT(mWindow->Playback()->ShownFrame(1), 1, 10000);
     QVERIFY(WaitForNumber(1, 1));
 }
@@ -327,7 +337,7 @@ void tst_PlayerPlayback::BadFilesAreReported()
     const MessageBar* const bar = mWindow->findChild<MessageBar*>();
     QVERIFY(bar->isVisible());
     QVERIFY(bar->Message().contains(path));
-    QVERIFY(!mWindow->Media()->IsOpening());
+    QVERIFY(!mWindow->GetProject()->IsReading());
 }
 
 void tst_PlayerPlayback::TheSamePictureStaysWhenAFileIsBad()

@@ -12,6 +12,7 @@
 #include "window/CommandTable.h"
 #include "window/MessageBar.h"
 #include "window/ModalProbe.h"
+#include "window/PanelArea.h"
 #include "window/PlayerProbe.h"
 #include "window/PlayerWindow.h"
 #include "window/SettingsBinding.h"
@@ -53,8 +54,6 @@ private Q_SLOTS:
     void ZoomFollowsItsMaximum();
     void MediaOpenInAPlayerOfTheirOwn();
     void WindowFitsTheMedium();
-    void ClosingAsksWhereThereIsWork_data();
-    void ClosingAsksWhereThereIsWork();
     void ProjectSettingsReachTheProject();
     void ProjectPathSavesTheProject();
     void AboutIsShown();
@@ -147,8 +146,7 @@ void tst_PlayerSettings::CommandsStandInTheirMenus()
                      ->actions()
                      .contains(mWindow->Commands()->Action(row.first)),
                  qPrintable(row.first));
-    // There is no project whose settings could be edited.
-    QVERIFY(!Action("file.projectSettings")->isEnabled());
+    QVERIFY(Action("file.projectSettings")->isEnabled());
 }
 
 void tst_PlayerSettings::PreferencesAreWrittenOnlyWhenAccepted()
@@ -316,6 +314,9 @@ void tst_PlayerSettings::MediaOpenInAPlayerOfTheirOwn()
 
 void tst_PlayerSettings::WindowFitsTheMedium()
 {
+    // The screen has no room for panels and picture.
+    for (const QString& panel : mWindow->Panels()->Names())
+        mWindow->Panels()->SetVisible(panel, false);
     mWindow->resize(1000, 760);
     mWindow->show();
     QCoreApplication::processEvents();
@@ -336,35 +337,6 @@ void tst_PlayerSettings::WindowFitsTheMedium()
     const QSize full = mWindow->size();
     mWindow->Preferences()->FitWindow(QSize());
     QCOMPARE(mWindow->size(), full);
-}
-
-void tst_PlayerSettings::ClosingAsksWhereThereIsWork_data()
-{
-    QTest::addColumn<bool>("hasWork");
-    QTest::addColumn<bool>("isOn");
-    QTest::addColumn<int>("answer");
-    QTest::addColumn<int>("questions");
-    QTest::addColumn<bool>("mayClose");
-    const int yes = QMessageBox::Yes;
-    const int no = QMessageBox::No;
-    QTest::newRow("nothing to lose") << false << true << no << 0 << true;
-    QTest::newRow("yes") << true << true << yes << 1 << true;
-    QTest::newRow("no") << true << true << no << 1 << false;
-    QTest::newRow("not to be asked") << true << false << no << 0 << true;
-}
-
-void tst_PlayerSettings::ClosingAsksWhereThereIsWork()
-{
-    QFETCH(bool, hasWork);
-    QFETCH(bool, isOn);
-    QFETCH(int, answer);
-    Settings::displayConfirmationOnClose = isOn;
-    bool mayClose = false;
-    const int questions = WithDialog<QMessageBox>(
-        [&] { mayClose = mWindow->Preferences()->MayClose(hasWork); },
-        [&](QMessageBox* box) { box->button(static_cast<QMessageBox::StandardButton>(answer))->click(); });
-    QTEST(questions, "questions");
-    QTEST(mayClose, "mayClose");
 }
 
 void tst_PlayerSettings::ProjectSettingsReachTheProject()

@@ -3,7 +3,6 @@
 #include "media/FrameLoader.h"
 #include "media/NumberedMedia.h"
 #include "playback/PlaybackController.h"
-#include "project/MediaLibrary.h"
 #include "project/MediaTimeline.h"
 #include "support/InputEvents.h"
 #include "support/TestRegistry.h"
@@ -192,8 +191,8 @@ bool tst_PlayerTimelines::LeadWithOther(int frames)
     const auto isCached = [&]
     {
         const auto& timeline = mWindow->Playback()->TimelineOf(1);
-        const auto* const entry = timeline ? &mWindow->Media()->Entries().back() : nullptr;
-        return entry != nullptr && loader->CachedRanges(entry->media) == std::map<int, int>{{1, frames}};
+        const int media = timeline ? mWindow->Playback()->Lanes().Find(timeline->SourceAt(1), 0) : -1;
+        return media >= 0 && loader->CachedRanges(media) == std::map<int, int>{{1, frames}};
     };
     if (!QTest::qWaitFor(isCached, 20000))
         return false;
@@ -220,7 +219,8 @@ void tst_PlayerTimelines::NothingCachedShowsNoLine()
     const auto firstFrame = [this] { return QColor(Range()->grab().toImage().pixel(54, 29)); };
     QVERIFY(firstFrame().blue() > firstFrame().red() + 30);
     // Without its medium the loader keeps nothing.
-    mWindow->findChild<FrameLoader*>()->Close(mWindow->Media()->Entries().front().media);
+    mWindow->findChild<FrameLoader*>()->Close(
+        mWindow->Playback()->Lanes().Find(mWindow->Playback()->TimelineOf(0)->SourceAt(1), 0));
     mWindow->Playback()->SeekFrame(31);
     QCOMPARE(firstFrame(), QColor(64, 64, 64));
     QVERIFY(!ShowsCached(1, 60));
