@@ -4,11 +4,6 @@
 #include "media/LibavError.h"
 #include "media/LibavInput.h"
 
-extern "C"
-{
-#include <libavutil/channel_layout.h>
-}
-
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -270,8 +265,18 @@ int64_t AudioDecoder::PositionOf(int64_t time) const
 void AudioDecoder::TakeFrame()
 {
     mBlock.clear();
-    if (mFrame->nb_samples <= 0 || !MixDown())
+    if (mFrame->nb_samples <= 0)
         return;
+    if (mFrame->sample_rate != Rate())
+    {
+        Note(QStringLiteral("its rate changes to %1 Hz").arg(mFrame->sample_rate));
+        return;
+    }
+    if (!mMixer.Mix(*mFrame, &mBlock))
+    {
+        Note(QStringLiteral("its %1 channels can't be mixed").arg(mFrame->ch_layout.nb_channels));
+        return;
+    }
     const int64_t time = mFrame->pts != AV_NOPTS_VALUE ? mFrame->pts : mFrame->best_effort_timestamp;
     const int64_t told = time != AV_NOPTS_VALUE ? PositionOf(time) : mExpected;
     const AVRational base = mFormat->streams[mStreamIndex]->time_base;
@@ -284,67 +289,6 @@ void AudioDecoder::TakeFrame()
         mPosition = goesOn ? mExpected : told;
     mHasPosition = true;
     mExpected = mPosition + mFrame->nb_samples;
-}
-
-bool AudioDecoder::PrepareMixer()
-{
-    AVChannelLayout stereo = AV_CHANNEL_LAYOUT_STEREO;
-    const AVChannelLayout given = mFrame->ch_layout;
-    if (mMixer && mMixerFormat == mFrame->format && av_channel_layout_compare(&mMixerLayout, &given) == 0)
-        return true;
-    mMixer.reset();
-    AVChannelLayout layout = {};
-    if (given.order == AV_CHANNEL_ORDER_UNSPEC || av_channel_layout_check(&given) == 0)
-        av_channel_layout_default(&layout, given.nb_channels);
-    else
-        av_channel_layout_copy(&layout, &given);
-    const int channels = given.nb_channels;
-    // Where no one says what the channels are, the first two are left and right. One channel is both, at its
-    // full level.
-    std::vector<double> plain(2 * static_cast<size_t>(channels), 0.0);
-    plain[0] = 1.0;
-    plain[static_cast<size_t>(channels) + (channels > 1 ? 1 : 0)] = 1.0;
-    for (const bool isPlain : {channels == 1, true})
-    {
-        SwrContext* context = nullptr;
-        const int result =
-            swr_alloc_set_opts2(&context, &stereo, AV_SAMPLE_FMT_FLT, Rate(), &layout,
-                                static_cast<AVSampleFormat>(mFrame->format), Rate(), 0, nullptr);
-        LibavPointer<SwrContext> mixer(context);
-        if (result < 0 || (isPlain && swr_set_matrix(context, plain.data(), channels) < 0) ||
-            swr_init(context) < 0)
-            continue;
-        mMixer = std::move(mixer);
-        break;
-    }
-    av_channel_layout_uninit(&layout);
-    mMixerFormat = mFrame->format;
-    av_channel_layout_uninit(&mMixerLayout);
-    av_channel_layout_copy(&mMixerLayout, &given);
-    return mMixer != nullptr;
-}
-
-bool AudioDecoder::MixDown()
-{
-    if (mFrame->sample_rate != Rate())
-    {
-        Note(QStringLiteral("its rate changes to %1 Hz").arg(mFrame->sample_rate));
-        return false;
-    }
-    if (!PrepareMixer())
-    {
-        Note(QStringLiteral("its %1 channels can't be mixed").arg(mFrame->ch_layout.nb_channels));
-        return false;
-    }
-    mBlock.resize(2 * static_cast<size_t>(mFrame->nb_samples));
-    auto* to = reinterpret_cast<uint8_t*>(mBlock.data());
-    const int made = swr_convert(mMixer.get(), &to, mFrame->nb_samples,
-                                 const_cast<const uint8_t**>(mFrame->extended_data), mFrame->nb_samples);
-    if (made == mFrame->nb_samples)
-        return true;
-    mBlock.clear();
-    Note(QStringLiteral("its channels can't be mixed"));
-    return false;
 }
 
 void AudioDecoder::Note(const QString& reason)

@@ -3,6 +3,7 @@
 
 #include "media/CancelToken.h"
 #include "media/LibavPointers.h"
+#include "sound/StereoMixer.h"
 
 #include <QString>
 
@@ -57,9 +58,6 @@ private:
     /// Position of a time of the stream, or of the block that begins there if the times are coarse.
     int64_t PositionOf(int64_t time) const;
     void TakeFrame();
-    /// Turns mFrame into stereo. Returns false if that can't be done.
-    bool MixDown();
-    bool PrepareMixer();
     void Note(const QString& reason);
 
     static int Interrupted(void* decoder);
@@ -70,9 +68,7 @@ private:
     LibavPointer<AVCodecContext> mDecoder;
     LibavPointer<AVPacket> mPacket;
     LibavPointer<AVFrame> mFrame;
-    LibavPointer<SwrContext> mMixer;
-    AVChannelLayout mMixerLayout = {};
-    int mMixerFormat = -1;
+    StereoMixer mMixer;
     int mStreamIndex = -1;
     bool mHasPacket = false;
     bool mIsAtStart = true;

@@ -4,6 +4,7 @@
 #include "sound/AudioReader.h"
 #include "sound/ClickMedia.h"
 #include "sound/SoundRig.h"
+#include "sound/StereoMixer.h"
 #include "support/TestRegistry.h"
 
 #include <QFile>
@@ -42,6 +43,7 @@ private Q_SLOTS:
     void init() { Settings::loopType = NoLoop; }
     void ChannelLayoutsBecomeStereo_data();
     void ChannelLayoutsBecomeStereo();
+    void ChannelsWithoutNamesAreLeftAndRight();
     void OddRatesKeepTheirPlaces_data();
     void OddRatesKeepTheirPlaces();
     void AMovieWithoutSoundHasNoSegment();
@@ -118,6 +120,32 @@ void tst_AudioFaults::ChannelLayoutsBecomeStereo()
     QVERIFY2(std::abs(Loudest(stereo, 1) - 0.8f * right) < 0.01f,
              qPrintable(QString::number(double(Loudest(stereo, 1)))));
     QVERIFY(source->Problem().isEmpty());
+}
+
+void tst_AudioFaults::ChannelsWithoutNamesAreLeftAndRight()
+{
+    StereoMixer mixer;
+    // From one layout to the next, as in a broadcast.
+    for (const int channels : {10, 2, 24, 1, 10})
+    {
+        const LibavPointer<AVFrame> frame(av_frame_alloc());
+        frame->format = AV_SAMPLE_FMT_FLTP;
+        frame->sample_rate = 48000;
+        frame->nb_samples = 100;
+        frame->ch_layout.order = AV_CHANNEL_ORDER_UNSPEC;
+        frame->ch_layout.nb_channels = channels;
+        QVERIFY(av_frame_get_buffer(frame.get(), 0) >= 0);
+        for (int channel = 0; channel < channels; ++channel)
+        {
+            float* const samples = reinterpret_cast<float*>(frame->extended_data[channel]);
+            std::fill(samples, samples + 100, 0.125f * float(channel + 1));
+        }
+        std::vector<float> stereo;
+        QVERIFY2(mixer.Mix(*frame, &stereo), qPrintable(QString::number(channels)));
+        QCOMPARE(stereo.size(), size_t(200));
+        QCOMPARE(stereo[100], 0.125f);
+        QCOMPARE(stereo[101], channels > 1 ? 0.25f : 0.125f);
+    }
 }
 
 void tst_AudioFaults::OddRatesKeepTheirPlaces_data()
