@@ -23,6 +23,8 @@ namespace
 using L1 = QLatin1String;
 
 constexpr int MaximumFrame = std::numeric_limits<int>::max();
+/// Frames of one medium: at 24 a second, seven weeks.
+constexpr int MaximumMediumFrames = 100000000;
 
 struct BinName
 {
@@ -252,7 +254,7 @@ MediaInfo ReadInfo(const JsonPart& part)
     MediaInfo info;
     info.width = part.IntegerOr("width", 0, MaximumFrame, 0);
     info.height = part.IntegerOr("height", 0, MaximumFrame, 0);
-    info.frameCount = part.Member("frameCount").Integer(1, MaximumFrame);
+    info.frameCount = part.Member("frameCount").Integer(1, MaximumMediumFrames);
     info.frameRate = ReadRate(part.Member("frameRate"));
     info.duration = part.LongIntegerOr("duration", info.frameRate.FrameToTime(int64_t(info.frameCount) + 1));
     info.startTime = part.LongIntegerOr("startTime", 0);
@@ -273,7 +275,7 @@ QJsonObject WriteInfo(const MediaInfo& info)
 {
     QJsonObject json{{L1("width"), info.width},
                      {L1("height"), info.height},
-                     {L1("frameCount"), std::max(info.frameCount, 1)},
+                     {L1("frameCount"), std::clamp(info.frameCount, 1, MaximumMediumFrames)},
                      {L1("frameRate"), WriteRate(info.frameRate.IsValid() ? info.frameRate : FrameRate())},
                      {L1("duration"), static_cast<double>(info.duration)},
                      {L1("startTime"), static_cast<double>(info.startTime)},

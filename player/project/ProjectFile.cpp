@@ -31,6 +31,9 @@ QString FileText(const char* text)
     return QCoreApplication::translate("ProjectFile", text);
 }
 
+/// More can't be counted on safely.
+constexpr int64_t MaximumTimelineFrames = 1000000000;
+
 void AppendObjects(const ProjectContent& content, ProjectObject& object, const QString& sourceRoot,
                    QJsonArray& objects)
 {
@@ -207,8 +210,13 @@ private:
         }
         int64_t frames = 0;
         for (const std::shared_ptr<ElementObject>& element : state.elements)
-            frames += element->SourceTimeline()->FrameCount();
-        if (frames > INT_MAX)
+        {
+            const MediaTimeline& source = *element->SourceTimeline();
+            if (!state.rate.IsValid())
+                state.rate = source.Rate();
+            frames += FramesForMedia(source.FrameCount(), source.Rate(), state.rate);
+        }
+        if (frames > MaximumTimelineFrames)
             entry.part.Fail(FileText("the timeline is too long"));
         state.ApplyTo(*timeline);
     }
