@@ -269,7 +269,7 @@ void tst_ProjectUndo::ALargeFolderIsRemovedQuickly()
     QCOMPARE(project.Find(bin)->GetChildren().size(), 0);
     project.UndoStack()->undo();
     QCOMPARE(project.Find(bin)->GetChildren().size(), 10000);
-    QVERIFY2(timer.elapsed() < 5000, QByteArray::number(timer.elapsed()));
+    QVERIFY2(timer.elapsed() < 20000, QByteArray::number(timer.elapsed()));
 }
 
 static const TestRegistration<tst_ProjectUndo> ProjectUndoRegistration;

@@ -501,7 +501,7 @@ void tst_ProjectPanel::ThousandsOfObjects()
     QElapsedTimer timer;
     timer.start();
     mBench->project.Remove(mPanel->View()->GetSelectedItems());
-    QVERIFY2(timer.elapsed() < 2000, qPrintable(QString::number(timer.elapsed())));
+    QVERIFY2(timer.elapsed() < 10000, qPrintable(QString::number(timer.elapsed())));
     QCOMPARE(mBench->project.Timelines(true).size(), 0);
     mBench->Undo();
     QCOMPARE(mBench->project.Timelines(true).size(), 1000);
