@@ -317,32 +317,36 @@ void ProjectBinding::OpenMedia(const QStringList& paths, int viewer)
 {
     if (paths.isEmpty())
         return;
-    // The first is shown as soon as it is read, however many there are.
+    // The first is shown as soon as it is read, however many there are; the others follow it in the project.
     const QString& first = paths.first();
+    const QStringList others = paths.mid(1);
     const auto known = mProject->FindSourceByPath(first);
     if (known && !known->IsMissing())
     {
+        OpenBeside(others);
         ProjectImport::Result result;
         result.sources = {known->GetID()};
         OnOpened(result, viewer);
+        return;
     }
-    else
-    {
-        const ProjectImport* const import = mProject->Import({first}, QUuid(), {}, true);
-        connect(import, &ProjectImport::Finished, this,
-                [this, viewer](const ProjectImport::Result& result)
-                {
-                    TellErrors(result.errors);
-                    OnOpened(result, viewer);
-                });
-    }
-    if (paths.size() > 1)
-    {
-        ProjectImport* const import = mProject->Import(paths.mid(1), QUuid(), {}, true);
-        connect(import, &ProjectImport::Finished, this,
-                [this](const ProjectImport::Result& result) { OnOpened(result, -1); });
-        Watch(import);
-    }
+    const ProjectImport* const import = mProject->Import({first}, QUuid(), {}, true);
+    connect(import, &ProjectImport::Finished, this,
+            [this, viewer, others](const ProjectImport::Result& result)
+            {
+                TellErrors(result.errors);
+                OpenBeside(others);
+                OnOpened(result, viewer);
+            });
+}
+
+void ProjectBinding::OpenBeside(const QStringList& paths)
+{
+    if (paths.isEmpty())
+        return;
+    ProjectImport* const import = mProject->Import(paths, QUuid(), {}, true);
+    connect(import, &ProjectImport::Finished, this,
+            [this](const ProjectImport::Result& result) { OnOpened(result, -1); });
+    Watch(import);
 }
 
 void ProjectBinding::OnOpened(const ProjectImport::Result& result, int viewer)

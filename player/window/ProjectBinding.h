@@ -88,6 +88,8 @@ private Q_SLOTS:
     void OpenRecent(const QString& path);
 
 private:
+    /// Imports @p paths without showing them, unless nothing is shown.
+    void OpenBeside(const QStringList& paths);
     void OnOpened(const ProjectImport::Result& result, int viewer);
     void TellErrors(const QStringList& errors);
     QString ProjectFilter() const;

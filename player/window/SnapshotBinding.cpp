@@ -95,11 +95,11 @@ void SnapshotBinding::TakeShownFrame()
     Begin({mFrame}, {SnapshotNames::Unused(mDirectory, parts)}, false);
 }
 
-void SnapshotBinding::FillDialog(SnapshotDialog& dialog) const
+void SnapshotBinding::FillDialog(SnapshotDialog& dialog, ProjectTimeline& timeline) const
 {
     dialog.SetDirectoryPath(mDirectory);
     dialog.SetLastSnapshotDirectory(mDirectory);
-    dialog.SetName(mName.isEmpty() ? BaseNameOf(*mTimeline) + QLatin1String(".png") : mName);
+    dialog.SetName(mName.isEmpty() ? BaseNameOf(timeline) + QLatin1String(".png") : mName);
     dialog.SetNumbering(mNumbering);
     dialog.SetPadding(mPadding);
     dialog.SetOverwriteEnabled(mOverwrite);
@@ -120,16 +120,21 @@ void SnapshotBinding::OpenDialog()
 {
     if (!IsReady())
         return;
-    mTimeline = mPlayback->LeadingTimeline();
-    mFrame = mPlayback->CurrentFrame();
-    mRange = mPlayback->Range();
+    const std::shared_ptr<ProjectTimeline> timeline = mPlayback->LeadingTimeline();
+    const int frame = mPlayback->CurrentFrame();
+    const PlaybackRange range = mPlayback->Range();
     SnapshotDialog dialog(mWindow);
-    FillDialog(dialog);
-    if (dialog.exec() != QDialog::Accepted)
+    FillDialog(dialog, *timeline);
+    // A script may take a snapshot of its own meanwhile.
+    if (dialog.exec() != QDialog::Accepted || !IsReady())
         return;
+    mTimeline = timeline;
+    mFrame = frame;
+    mRange = range;
     KeepValues(dialog);
     mTotal = static_cast<int>(SnapshotNames::Frames(*mTimeline, mType, mFrame, mRange).size());
     mProgress->SetFrameTotal(mTotal);
+    mProgress->SetCurrentFrame(0);
     Q_EMIT mProgress->BeginSnapshot(dialog.GetDirectoryPath(), dialog.GetName(), dialog.GetType(),
                                     dialog.GetNumbering(), dialog.GetPadding(), dialog.IsOverwriteEnabled());
 }
@@ -142,6 +147,7 @@ void SnapshotBinding::OnBeginSnapshot(const QString& dirPath, const QString& bas
         Logger::GetInstance()->Error(problem);
         return;
     }
+    const std::shared_ptr<ProjectTimeline> timeline = mTimeline;
     const SnapshotNames::Parts parts = SnapshotNames::Split(baseFileName);
     const std::vector<int> frames = SnapshotNames::Frames(*mTimeline, type, mFrame, mRange);
     if (frames.empty())
@@ -162,6 +168,10 @@ void SnapshotBinding::OnBeginSnapshot(const QString& dirPath, const QString& bas
                         QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
         if (QFileInfo::exists(path) && !overwrite)
             return;
+        // A script may have taken a snapshot of its own during the question.
+        if (!IsReady())
+            return;
+        mTimeline = timeline;
         paths << path;
     }
     for (size_t index = 0; type != SnapshotSingleFrame && index < frames.size(); ++index)

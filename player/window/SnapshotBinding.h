@@ -50,7 +50,7 @@ private Q_SLOTS:
 private:
     bool IsReady() const;
     void Begin(const std::vector<int>& frames, const QStringList& paths, bool replace);
-    void FillDialog(SnapshotDialog& dialog) const;
+    void FillDialog(SnapshotDialog& dialog, ProjectTimeline& timeline) const;
     void KeepValues(const SnapshotDialog& dialog);
 
     PlaybackController* mPlayback;

@@ -11,13 +11,16 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QPushButton>
-#include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QSplitter>
 #include <QTextBlock>
+#include <QThread>
 #include <QTimer>
 #include <QVBoxLayout>
+
+#include <utility>
 
 const char* const ConsoleWindow::WindowTitle = "Console";
 
@@ -126,10 +129,21 @@ void ConsoleWindow::CreateLayout()
 
 void ConsoleWindow::CreateConnections()
 {
+    // What has arrived and waits is cleared too.
+    connect(mClearButton, &QPushButton::clicked, this, [this] { WriteAllWaiting(); });
     connect(mClearButton, SIGNAL(clicked()), mOutputPane, SLOT(clear()));
     connect(mCloseButton, SIGNAL(clicked()), this, SLOT(close()));
     connect(mShowOnCombo, SIGNAL(currentIndexChanged(int)), this, SLOT(OnShowOnTypeChanged(int)));
     Logger* const logger = Logger::GetInstance();
+    // What is logged on this thread is no message of another, whatever event it is logged in.
+    const auto noteOwnThread = [this]
+    {
+        if (QThread::currentThread() == thread())
+            mIsDelivering = false;
+    };
+    for (const auto signal :
+         {&Logger::OutputLogged, &Logger::InfoLogged, &Logger::WarningLogged, &Logger::ErrorLogged})
+        connect(logger, signal, this, noteOwnThread, Qt::DirectConnection);
     connect(logger, SIGNAL(OutputLogged(const QString&)), this, SLOT(Output(const QString&)));
     connect(logger, SIGNAL(InfoLogged(const QString&)), this, SLOT(Info(const QString&)));
     connect(logger, SIGNAL(WarningLogged(const QString&)), this, SLOT(Warning(const QString&)));
@@ -177,8 +191,7 @@ void ConsoleWindow::AppendTextToOutput(const QString& text, bool newline, Consol
         mWaitingMessages << WaitingMessage{whole, type};
         return;
     }
-    while (!mWaitingMessages.isEmpty())
-        WriteWaitingBatch();
+    WriteAllWaiting();
     WriteToOutput(whole);
     ShowConsole(type);
 }
@@ -194,7 +207,7 @@ void ConsoleWindow::WriteToOutput(const QString& text)
 bool ConsoleWindow::MustWait()
 {
     // A caller on this thread finds its text in the pane when the call returns.
-    if (!mIsDelivering)
+    if (!std::exchange(mIsDelivering, false))
         return false;
     if (!mWaitingMessages.isEmpty())
         return true;
@@ -212,6 +225,9 @@ void ConsoleWindow::WriteWaitingBatch()
     int count = 0;
     while (count < mWaitingMessages.size() && text.size() < LargestBatch)
     {
+        // The pane takes both together for one end of a line.
+        if (text.endsWith(QLatin1Char('\r')) && mWaitingMessages.at(count).text.startsWith(QLatin1Char('\n')))
+            break;
         // The lowest rank brings the window forward wherever any of them does.
         type = qMin(type, mWaitingMessages.at(count).type);
         text += mWaitingMessages.at(count).text;
@@ -220,6 +236,12 @@ void ConsoleWindow::WriteWaitingBatch()
     mWaitingMessages.erase(mWaitingMessages.begin(), mWaitingMessages.begin() + count);
     WriteToOutput(text);
     ShowConsole(type);
+}
+
+void ConsoleWindow::WriteAllWaiting()
+{
+    while (!mWaitingMessages.isEmpty())
+        WriteWaitingBatch();
 }
 
 void ConsoleWindow::WriteWaitingMessages()
@@ -281,8 +303,15 @@ void ConsoleWindow::ScriptExecuteAll()
 
 bool ConsoleWindow::event(QEvent* event)
 {
-    const QScopedValueRollback<bool> delivering(mIsDelivering, event->type() == QEvent::MetaCall);
-    return QWidget::event(event);
+    if (event->type() != QEvent::MetaCall)
+        return QWidget::event(event);
+    const QPointer<ConsoleWindow> guard(this);
+    mIsDelivering = true;
+    const bool isHandled = QWidget::event(event);
+    // The call may have deleted the window.
+    if (guard)
+        mIsDelivering = false;
+    return isHandled;
 }
 
 void ConsoleWindow::keyPressEvent(QKeyEvent* event)

@@ -86,6 +86,7 @@ private:
     void ShowConsole(ConsoleShowOnType type);
     void WriteToOutput(const QString& text);
     bool MustWait();
+    void WriteAllWaiting();
     void WriteWaitingBatch();
 
     static const char* const WindowTitle;

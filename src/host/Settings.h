@@ -146,12 +146,12 @@ public:
     static bool exportViewerLayout;
     /// Exports the whole timeline whatever the playback range.
     static bool exportIgnoreRange;
-    /// Takes a relative output path as relative to the project's directory.
+    /// Puts defaultExportOutputDirPath in front of a relative output path.
     static bool resolveRelativeExportOutputPaths;
     /// Size of an exported movie in pixels (240 to 4096 each).
     static int globalExportWidth;
     static int globalExportHeight;
-    /// Directory that the export dialog starts in; empty for the one used last.
+    /// Directory that a relative output path is taken from, and that a host proposes; empty for none.
     static QString defaultExportOutputDirPath;
     /// Directory of an export's temporary files; empty for the directory of the output.
     static QString tempExportDirPath;

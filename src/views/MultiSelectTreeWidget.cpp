@@ -90,14 +90,18 @@ void MultiSelectTreeWidget::ReplaceRows(const QList<QTreeWidgetItem*>& rows,
     addTopLevelItems(rows);
     if (!expanded.isEmpty())
         ExpandBelow(QModelIndex(), expanded);
+    if (selected.isEmpty())
+        return;
     QItemSelection selection;
-    for (const QTreeWidgetItem* const row : selected)
+    for (int place = 0; place < selected.size() - 1; ++place)
     {
-        const QModelIndex index = indexFromItem(row);
+        const QModelIndex index = indexFromItem(selected.at(place));
         AppendRows(selection, model(), index.parent(), index.row(), index.row());
     }
+    // The last one on its own: what was selected last is what a click with Shift replaces.
     if (!selection.isEmpty())
         selectionModel()->select(selection, QItemSelectionModel::Select);
+    selected.last()->setSelected(true);
 }
 
 void MultiSelectTreeWidget::ExpandBelow(const QModelIndex& parent, const QSet<QTreeWidgetItem*>& expanded)
@@ -134,6 +138,8 @@ void MultiSelectTreeWidget::UnselectRows(const QSet<QTreeWidgetItem*>& rows)
     // Taking the rows out of each range would compare all ranges with each other.
     selectionModel()->clearSelection();
     selectionModel()->select(kept, QItemSelectionModel::Select);
+    // A click with Shift replaces none of it.
+    selectionModel()->select(QItemSelection(), QItemSelectionModel::Deselect);
 }
 
 void MultiSelectTreeWidget::selectAll()

@@ -22,10 +22,9 @@ public:
     /// Whether @p item lies below @p parent, at any depth. Null lies nowhere, and nothing lies below it.
     bool IsDescendant(QTreeWidgetItem* item, QTreeWidgetItem* parent) const;
 
-    /// Appends @p rows, which no tree has yet, with all below them, then expands those in @p expanded and
-    /// adds
-    /// @p selected to the selection in that order. Each is one step of the tree, where row by row each one
-    /// would cost a visit to all that are expanded or selected before it.
+    /// Appends @p rows, which no tree has yet, with all below them, then expands those in @p expanded, and
+    /// adds @p selected to the selection in that order. Each is one step of the tree, where row by row each
+    /// one would cost a visit to all that are expanded or selected before it.
     void ReplaceRows(const QList<QTreeWidgetItem*>& rows, const QSet<QTreeWidgetItem*>& expanded,
                      const QList<QTreeWidgetItem*>& selected);
     /// Takes @p rows out of the selection, whose order stays. Nothing is signalled if none is in it.

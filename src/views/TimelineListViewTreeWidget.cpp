@@ -66,13 +66,6 @@ void TimelineListViewTreeWidget::SelectItems(const QList<QUuid>& uuids)
         selectionModel()->select(selection, QItemSelectionModel::Select);
 }
 
-void TimelineListViewTreeWidget::selectAll()
-{
-    // All at once would be compared with each range that is selected already.
-    clearSelection();
-    MultiSelectTreeWidget::selectAll();
-}
-
 bool TimelineListViewTreeWidget::CanDrop(const QMimeData* mimeData)
 {
     if (DragPayload::HasProjectObjects(mimeData))

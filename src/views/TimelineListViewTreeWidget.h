@@ -24,7 +24,6 @@ public:
 
     /// Selects the rows with these ids, and no others.
     void SelectItems(const QList<QUuid>& uuids);
-    void selectAll() override;
 
 Q_SIGNALS:
     /// Files were dropped; @p paths is sorted without regard to case.

@@ -33,6 +33,7 @@ private Q_SLOTS:
     void ACollapseStopsAtObjectsWithoutARow();
     void RandomCollapsesLeaveWhatRowByRowLeaves();
     void TheSelectionSurvivesUpdate();
+    void ShiftAfterUpdateReplacesTheLastRowAlone();
     void TenThousandRowsAreQuick_data();
     void TenThousandRowsAreQuick();
 
@@ -292,6 +293,39 @@ void tst_ProjectViewMirror::RandomCollapsesLeaveWhatRowByRowLeaves()
         for (const auto& each : Below(mRoot))
             expected << each->IsSelected();
         QCOMPARE(flags, expected);
+    }
+}
+
+void tst_ProjectViewMirror::ShiftAfterUpdateReplacesTheLastRowAlone()
+{
+    QTreeWidget plain(mWindow.get());
+    plain.setSelectionMode(QAbstractItemView::ExtendedSelection);
+    QList<std::shared_ptr<FakeTimelineObject>> objects;
+    for (int index = 0; index < 4; ++index)
+    {
+        objects << AddTimeline(mRoot, QString::number(index));
+        new QTreeWidgetItem(&plain, QStringList(QString::number(index)));
+    }
+    for (const int selected : {0, 1, 3})
+    {
+        objects[selected]->SetSelected(true);
+        plain.topLevelItem(selected)->setSelected(true);
+    }
+    mView->Update();
+    mWindow->show();
+    plain.resize(mTree->size());
+    plain.show();
+    QVERIFY(QTest::qWaitForWindowExposed(mWindow.get()));
+    for (QTreeWidget* const tree : {static_cast<QTreeWidget*>(mTree), &plain})
+    {
+        tree->setCurrentItem(tree->topLevelItem(3), 0, QItemSelectionModel::NoUpdate);
+        QTest::mouseClick(tree->viewport(), Qt::LeftButton, Qt::ShiftModifier,
+                          tree->visualItemRect(tree->topLevelItem(2)).center());
+    }
+    for (int index = 0; index < 4; ++index)
+    {
+        QCOMPARE(mTree->topLevelItem(index)->isSelected(), plain.topLevelItem(index)->isSelected());
+        QCOMPARE(objects[index]->IsSelected(), plain.topLevelItem(index)->isSelected());
     }
 }
 

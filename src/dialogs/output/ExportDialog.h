@@ -68,10 +68,9 @@ public Q_SLOTS:
     void ClearOutputText();
 
 Q_SIGNALS:
-    /// The user wants the timeline exported to @p outputPath, an absolute path that ends in ".mp4". @p
-    /// quality,
-    /// @p preset and @p profile are values of ExportQuality, ExportPreset and ExportProfile. The host answers
-    /// with SetExporting(true) and ends with SetExporting(false).
+    /// The user wants the timeline exported to @p outputPath, an absolute path that ends in ".mp4".
+    /// @p quality, @p preset and @p profile are values of ExportQuality, ExportPreset and ExportProfile. The
+    /// host answers with SetExporting(true) and ends with SetExporting(false).
     void ExportRequested(QString outputPath, int width, int height, int quality, int preset, int profile,
                          bool ignoreRange, bool annotations, bool viewerLayout);
     /// The user stopped the export. The host ends it and answers with SetExporting(false).

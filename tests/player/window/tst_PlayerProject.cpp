@@ -2,6 +2,7 @@
 #include "annotation/AnnotationController.h"
 #include "host/Logger.h"
 #include "host/Settings.h"
+#include "media/NumberedMedia.h"
 #include "playback/PlaybackController.h"
 #include "project/ElementTimeline.h"
 #include "project/MediaTimeline.h"
@@ -37,6 +38,7 @@ private Q_SLOTS:
     void TheTitleNamesTheProjectAndItsChanges();
     void NamesThatHoldTheMarkAreShown();
     void MediaOpenedForALookStandInTheProject();
+    void MediaStandInTheOrderInWhichTheyWereNamed();
     void DropsOfUnsavedWorkAreAskedFor_data();
     void DropsOfUnsavedWorkAreAskedFor();
     void AProjectIsOpenedAsItWasSaved();
@@ -128,6 +130,22 @@ void tst_PlayerProject::MediaOpenedForALookStandInTheProject()
     mWindow->OpenFiles({PlayerProbe::SampleMovie()}, 1);
     QTRY_COMPARE_WITH_TIMEOUT(mWindow->Playback()->ShownFrame(1), 1, 20000);
     QCOMPARE(GetProject()->Timelines(true).size(), 1);
+}
+
+void tst_PlayerProject::MediaStandInTheOrderInWhichTheyWereNamed()
+{
+    // The first takes the longest to read.
+    const QStringList pictures{Path("a.png"), Path("b.png")};
+    for (const QString& picture : pictures)
+        QVERIFY(NumberedMedia::Picture(1).save(picture));
+    mWindow->OpenFiles(QStringList{PlayerProbe::SampleMovie()} + pictures, 0);
+    QTRY_COMPARE(GetProject()->Timelines(true).size(), 3);
+    QStringList names;
+    for (const std::shared_ptr<ProjectTimeline>& source : GetProject()->Timelines(true))
+        names << source->GetName();
+    QCOMPARE(names, (QStringList{MovieName(), QStringLiteral("a.png"), QStringLiteral("b.png")}));
+    QTRY_COMPARE(mWindow->Playback()->ShownFrame(0), 1);
+    QCOMPARE(mWindow->Playback()->TimelineOf(0)->GetName(), MovieName());
 }
 
 void tst_PlayerProject::DropsOfUnsavedWorkAreAskedFor_data()
