@@ -7,6 +7,8 @@
 #include <QComboBox>
 #include <QElapsedTimer>
 #include <QPlainTextEdit>
+#include <QPointer>
+#include <QPushButton>
 #include <QTimer>
 #include <QtTest>
 
@@ -32,6 +34,10 @@ private Q_SLOTS:
     void BurstBringsTheWindowForwardByThePolicy_data();
     void BurstBringsTheWindowForwardByThePolicy();
     void WindowMayGoInTheMiddleOfABurst();
+    void WindowMayGoByTheEventLoop();
+    void AScriptStartedByAnEventIsSeenAsItLogs();
+    void CarriageReturnsKeepTheirLines();
+    void WhatWaitsIsClearedToo();
 
 private:
     QPlainTextEdit* Pane() const { return mWindow->findChild<QPlainTextEdit*>("outputPane"); }
@@ -201,6 +207,58 @@ void tst_ConsoleThreads::WindowMayGoInTheMiddleOfABurst()
     QCoreApplication::sendPostedEvents();
     mWindow.reset();
     QCoreApplication::processEvents();
+}
+
+void tst_ConsoleThreads::WindowMayGoByTheEventLoop()
+{
+    LogFromAThread(BurstLines);
+    QPointer<ConsoleWindow> window = mWindow.release();
+    window->deleteLater();
+    QCoreApplication::sendPostedEvents(window, QEvent::DeferredDelete);
+    QVERIFY(!window);
+    QCoreApplication::processEvents();
+}
+
+void tst_ConsoleThreads::AScriptStartedByAnEventIsSeenAsItLogs()
+{
+    QString seen;
+    connect(mWindow.get(), &ConsoleWindow::ScriptExecuted, this,
+            [this, &seen]
+            {
+                Logger::GetInstance()->Output(QStringLiteral("first\n"));
+                QTest::qSleep(60);
+                Logger::GetInstance()->Output(QStringLiteral("second\n"));
+                Logger::GetInstance()->Output(QStringLiteral("third\n"));
+                seen = Text();
+            });
+    QMetaObject::invokeMethod(mWindow.get(), "ScriptExecuteAll", Qt::QueuedConnection);
+    QCoreApplication::processEvents();
+    QCOMPARE(seen, QStringLiteral("first\nsecond\nthird\n"));
+}
+
+void tst_ConsoleThreads::CarriageReturnsKeepTheirLines()
+{
+    std::thread(
+        []
+        {
+            for (int i = 0; i < BurstLines; ++i)
+                Logger::GetInstance()->Output(QStringLiteral("line\n"));
+            Logger::GetInstance()->Output(QStringLiteral("progress\r"));
+            Logger::GetInstance()->Output(QStringLiteral("\nend"));
+        })
+        .join();
+    QTRY_VERIFY(Text().endsWith(QStringLiteral("end")));
+    QVERIFY(Text().endsWith(QStringLiteral("line\nprogress\n\nend")));
+}
+
+void tst_ConsoleThreads::WhatWaitsIsClearedToo()
+{
+    LogFromAThread(BurstLines);
+    QCoreApplication::sendPostedEvents();
+    QVERIFY(!Text().contains(QStringLiteral("%1\n").arg(BurstLines - 1)));
+    mWindow->findChild<QPushButton*>(QStringLiteral("clearButton"))->click();
+    QTest::qWait(100);
+    QCOMPARE(Text(), QString());
 }
 
 static const TestRegistration<tst_ConsoleThreads> ConsoleThreadsRegistration;
