@@ -17,7 +17,9 @@ MediaInfoBinding::MediaInfoBinding(PlaybackController* playback, ViewerWidget* v
     connect(playback, SIGNAL(LeadingTimelineChanged()), this, SLOT(Update()), Qt::QueuedConnection);
     connect(playback, SIGNAL(PictureReady(int, int, const ReadResult&)), this, SLOT(Update()),
             Qt::QueuedConnection);
-    viewer->installEventFilter(this);
+    // The back end, which knows its pictures' sizes once it has painted them.
+    for (QWidget* const backEnd : viewer->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly))
+        backEnd->installEventFilter(this);
 }
 
 void MediaInfoBinding::Toggle()
@@ -49,7 +51,7 @@ QString MediaInfoBinding::DurationText(int64_t time)
 
 bool MediaInfoBinding::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() == QEvent::Resize)
+    if (event->type() == QEvent::Paint && mPanel->isVisible())
         QMetaObject::invokeMethod(this, "Update", Qt::QueuedConnection);
     return QObject::eventFilter(watched, event);
 }
