@@ -134,26 +134,6 @@ void ProjectTimeline::RebuildFrameBookmarks()
     }
 }
 
-int ProjectTimeline::NextBookmarkedFrame(int frame, int direction)
-{
-    int nearest = 0;
-    const auto consider = [&](int64_t time)
-    {
-        const int candidate = TimeToFrame(time);
-        const int distance = (candidate - frame) * direction;
-        if (distance > 0 && (nearest == 0 || distance < (nearest - frame) * direction))
-            nearest = candidate;
-    };
-    for (const TimeBookmark& bookmark : GetBookmarks()->GetTimeBookmarks())
-        consider(bookmark.time);
-    for (const RangeBookmark& bookmark : GetBookmarks()->GetRangeBookmarks())
-    {
-        consider(bookmark.startTime);
-        consider(bookmark.endTime);
-    }
-    return nearest;
-}
-
 const QString& ProjectTimeline::GetName()
 {
     return mName;

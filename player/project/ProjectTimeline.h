@@ -86,9 +86,6 @@ public:
     void UpdateAnnotationBookmark(int frame);
     /// The same for every frame, after marks and drawings have changed at large.
     void RebuildFrameBookmarks();
-    /// The nearest bookmarked frame or end of a bookmarked range after @p frame (@p direction 1) or before it
-    /// (-1); 0 if there is none.
-    int NextBookmarkedFrame(int frame, int direction);
 
     const QString& GetName() override;
     bool IsDefault() override;
